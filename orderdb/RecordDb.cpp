@@ -1,0 +1,75 @@
+#include "RecordDb.h"
+
+namespace qi {
+
+namespace {
+bool truthy(const Value& v)
+{
+    if (const auto* s = std::get_if<std::string>(&v))
+        return !s->empty() && *s != "0" && *s != "False" && *s != "false";
+    return toLong(v) != 0;
+}
+} // namespace
+
+bool RecordDb::OpenDb()
+{
+    begin();
+    CloseDb();
+    if (dbPath_.empty())
+        return false;
+    // OpenOptions and OpenConnectInfo are kept for callers; the engine needs neither.
+    try {
+        db_ = Database::open(dbPath_, truthy(openReadOnly_));
+        return true;
+    } catch (const DbError& e) {
+        return fail("Die Datenbank " + dbPath_ + " konnte nicht geöffnet werden!", e);
+    }
+}
+
+void RecordDb::CloseDb() { db_.reset(); }
+
+bool RecordDb::UpdateDb()
+{
+    begin();
+    return true;
+}
+
+bool RecordDb::fail(const std::string& text)
+{
+    lastError_ = text;
+    return false;
+}
+
+bool RecordDb::fail(const std::string& text, const DbError& e)
+{
+    lastError_ = text + "\r\n" + e.description();
+    return false;
+}
+
+bool RecordDb::fail(const std::string& text, const std::exception& e)
+{
+    lastError_ = text + "\r\n" + e.what();
+    return false;
+}
+
+Database& RecordDb::db()
+{
+    if (!db_)
+        throw NoDatabase{};
+    return *db_;
+}
+
+bool RecordDb::executeDelete(std::string_view sql)
+{
+    begin();
+    try {
+        db().execute(sql);
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::Delete);
+    } catch (const DbError& e) {
+        return fail(failtext::Delete, e);
+    }
+}
+
+} // namespace qi

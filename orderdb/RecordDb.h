@@ -1,0 +1,215 @@
+#pragma once
+// The frame shared by the order database and the order register: a database
+// path and open settings, explicit open and close, and the generic record
+// operations. Every operation returns true on success; a failure leaves its
+// German text in LastError, followed by "\r\n" and the engine's description
+// when the engine raised an error.
+
+#include "Database.h"
+#include "RecColl.h"
+#include "RecordFields.h"
+
+#include <memory>
+#include <string>
+
+namespace qi {
+
+namespace failtext {
+inline constexpr const char* Save = "Der Datensatz konnte nicht gespeichert werden!";
+inline constexpr const char* Update = "Der Datensatz konnte nicht aktualisiert werden!";
+inline constexpr const char* Read = "Der Datensatz konnte nicht gelesen werden!";
+inline constexpr const char* Delete = "Der Datensatz konnte nicht gelöscht werden!";
+inline constexpr const char* ReadAll = "Die Datensätze konnten nicht in die Liste gelesen werden!";
+inline constexpr const char* UpdateDb = "Die Datenbank konnte nicht aktualisiert werden!";
+inline constexpr const char* InvalidDb = "Die Struktur der Datenbank ist ungültig!";
+} // namespace failtext
+
+class RecordDb {
+public:
+    RecordDb() = default;
+    virtual ~RecordDb() { CloseDb(); }
+    RecordDb(const RecordDb&) = delete;
+    RecordDb& operator=(const RecordDb&) = delete;
+
+    /// Message of the last failed operation; empty after a success.
+    const std::string& LastError() const { return lastError_; }
+
+    const std::string& DbPath() const { return dbPath_; }
+    void setDbPath(std::string path) { dbPath_ = std::move(path); }
+    /// Passed through to the open call unchanged.
+    const Value& OpenOptions() const { return openOptions_; }
+    void setOpenOptions(Value v) { openOptions_ = std::move(v); }
+    /// Opens read-only when it holds a true value (non-zero number, non-empty text).
+    const Value& OpenReadOnly() const { return openReadOnly_; }
+    void setOpenReadOnly(Value v) { openReadOnly_ = std::move(v); }
+    const std::string& OpenConnectInfo() const { return openConnectInfo_; }
+    void setOpenConnectInfo(std::string v) { openConnectInfo_ = std::move(v); }
+
+    /// Opens DbPath (closing first). An empty path answers false with LastError empty.
+    bool OpenDb();
+    /// Closes the database; never fails.
+    void CloseDb();
+    /// Writes nothing (the engine writes through); true.
+    bool UpdateDb();
+
+    bool isOpen() const { return db_ != nullptr; }
+    /// The open database, or null.
+    Database* database() { return db_.get(); }
+
+protected:
+    /// Clears LastError (every public operation begins so).
+    void begin() { lastError_.clear(); }
+    /// Sets LastError to the text (and the engine's description); returns false.
+    bool fail(const std::string& text);
+    bool fail(const std::string& text, const DbError& e);
+    bool fail(const std::string& text, const std::exception& e);
+
+    /// The open database; throws a marker (caught as "no database") when closed.
+    Database& db();
+
+    template <class Rec>
+    bool addNewRec(Rec* rec);
+    template <class Rec>
+    bool editRec(Rec* rec);
+    template <class Rec>
+    bool readRec(Rec* rec, std::int32_t id);
+    template <class Rec>
+    bool delRec(std::int32_t id);
+    template <class Rec>
+    bool readAllRec2Coll(CRecColl<Rec>& coll);
+    /// Runs an action statement; `failText` on error.
+    bool executeDelete(std::string_view sql);
+
+private:
+    std::string lastError_;
+    std::string dbPath_;
+    Value openOptions_;
+    Value openReadOnly_;
+    std::string openConnectInfo_;
+    std::unique_ptr<Database> db_;
+};
+
+/// Raised inside an operation that needs an open database when none is open.
+struct NoDatabase {};
+
+// ---------------------------------------------------------------- templates
+
+template <class Rec>
+bool RecordDb::addNewRec(Rec* rec)
+{
+    begin();
+    if (!rec)
+        return false;
+    try {
+        TableRecordset rs(db(), RecordTable<Rec>::name);
+        rec->lID = static_cast<std::int32_t>(rs.addNew());
+        try {
+            writeFields<Rec>(rs, *rec, RecordTable<Rec>::write);
+            rs.update();
+        } catch (...) {
+            rec->lID = 0;
+            throw;
+        }
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::Save);
+    } catch (const DbError& e) {
+        return fail(failtext::Save, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::Save, e);
+    }
+}
+
+template <class Rec>
+bool RecordDb::editRec(Rec* rec)
+{
+    begin();
+    if (!rec)
+        return false;
+    try {
+        TableRecordset rs(db(), RecordTable<Rec>::name);
+        rs.setIndex("PrimaryKey");
+        if (!rs.seek(rec->lID))
+            return fail(failtext::Update);
+        rs.edit();
+        writeFields<Rec>(rs, *rec, RecordTable<Rec>::write);
+        rs.update();
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::Update);
+    } catch (const DbError& e) {
+        return fail(failtext::Update, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::Update, e);
+    }
+}
+
+template <class Rec>
+bool RecordDb::readRec(Rec* rec, std::int32_t id)
+{
+    begin();
+    if (!rec)
+        return false;
+    try {
+        TableRecordset rs(db(), RecordTable<Rec>::name);
+        rs.setIndex("PrimaryKey");
+        if (!rs.seek(id))
+            return fail(failtext::Read);
+        readFields<Rec>(rs, *rec, RecordTable<Rec>::read);
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::Read);
+    } catch (const DbError& e) {
+        return fail(failtext::Read, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::Read, e);
+    }
+}
+
+template <class Rec>
+bool RecordDb::delRec(std::int32_t id)
+{
+    begin();
+    try {
+        TableRecordset rs(db(), RecordTable<Rec>::name);
+        rs.setIndex("PrimaryKey");
+        if (!rs.seek(id))
+            return fail(failtext::Delete);
+        rs.remove();
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::Delete);
+    } catch (const DbError& e) {
+        return fail(failtext::Delete, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::Delete, e);
+    }
+}
+
+template <class Rec>
+bool RecordDb::readAllRec2Coll(CRecColl<Rec>& coll)
+{
+    begin();
+    coll.Clear();
+    try {
+        TableRecordset rs(db(), RecordTable<Rec>::name);
+        if (rs.moveFirst()) {
+            Rec rec;
+            for (; !rs.eof(); rs.moveNext()) {
+                rec.Init();
+                readFields<Rec>(rs, rec, RecordTable<Rec>::read);
+                if (!coll.Append(&rec))
+                    return fail(failtext::ReadAll);
+            }
+        }
+        return true;
+    } catch (const NoDatabase&) {
+        return fail(failtext::ReadAll);
+    } catch (const DbError& e) {
+        return fail(failtext::ReadAll, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::ReadAll, e);
+    }
+}
+
+} // namespace qi

@@ -1,0 +1,417 @@
+#include "Database.h"
+
+#include "FileSystem.h"
+#include "JetCollation.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sqlite3.h>
+
+namespace qi {
+
+namespace {
+
+std::string lower(std::string_view s)
+{
+    std::string r(s);
+    std::transform(r.begin(), r.end(), r.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    return r;
+}
+
+bool startsWithKeyword(std::string_view sql, std::string_view keyword)
+{
+    while (!sql.empty() && std::isspace(static_cast<unsigned char>(sql.front())))
+        sql.remove_prefix(1);
+    return sql.size() >= keyword.size() && lower(sql.substr(0, keyword.size())) == keyword;
+}
+
+Value parseDefault(const unsigned char* text)
+{
+    if (!text)
+        return {};
+    std::string s(reinterpret_cast<const char*>(text));
+    if (s.size() >= 2 && s.front() == '\'' && s.back() == '\'')
+        return s.substr(1, s.size() - 2);
+    if (lower(s) == "null")
+        return {};
+    try {
+        std::size_t used = 0;
+        const long long n = std::stoll(s, &used);
+        if (used == s.size())
+            return std::int64_t{n};
+    } catch (...) {
+    }
+    return s;
+}
+
+/// "no such table: X" → X
+std::string missingTableName(const std::string& message)
+{
+    const auto colon = message.find(": ");
+    return colon == std::string::npos ? message : message.substr(colon + 2);
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- Statement
+
+Statement::Statement(Database& db, sqlite3_stmt* stmt) : db_(db), stmt_(stmt) {}
+
+Statement::~Statement() { sqlite3_finalize(stmt_); }
+
+void Statement::reset()
+{
+    sqlite3_reset(stmt_);
+    sqlite3_clear_bindings(stmt_);
+}
+
+void Statement::bind(int index, const Value& v)
+{
+    int rc = SQLITE_OK;
+    if (const auto* s = std::get_if<std::string>(&v))
+        rc = sqlite3_bind_text(stmt_, index, s->data(), int(s->size()), SQLITE_TRANSIENT);
+    else if (const auto* n = std::get_if<std::int64_t>(&v))
+        rc = sqlite3_bind_int64(stmt_, index, *n);
+    else if (const auto* d = std::get_if<double>(&v))
+        rc = sqlite3_bind_double(stmt_, index, *d);
+    else
+        rc = sqlite3_bind_null(stmt_, index);
+    if (rc != SQLITE_OK)
+        throw db_.errorFor(rc);
+}
+
+void Statement::bindAll(const std::vector<Value>& params)
+{
+    reset();
+    for (std::size_t i = 0; i < params.size(); ++i)
+        bind(int(i + 1), params[i]);
+}
+
+bool Statement::step()
+{
+    const int rc = sqlite3_step(stmt_);
+    if (rc == SQLITE_ROW)
+        return true;
+    if (rc == SQLITE_DONE)
+        return false;
+    DbError e = db_.errorFor(rc, sqlite3_sql(stmt_));
+    sqlite3_reset(stmt_);
+    throw e;
+}
+
+int Statement::columnCount() const { return sqlite3_column_count(stmt_); }
+
+std::string Statement::columnName(int i) const
+{
+    const char* n = sqlite3_column_name(stmt_, i);
+    return n ? n : "";
+}
+
+Value Statement::column(int i) const
+{
+    switch (sqlite3_column_type(stmt_, i)) {
+    case SQLITE_INTEGER:
+        return std::int64_t{sqlite3_column_int64(stmt_, i)};
+    case SQLITE_FLOAT:
+        return sqlite3_column_double(stmt_, i);
+    case SQLITE_NULL:
+        return {};
+    default: {
+        const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, i));
+        return std::string(t ? t : "", std::size_t(sqlite3_column_bytes(stmt_, i)));
+    }
+    }
+}
+
+// ---------------------------------------------------------------- Recordset
+
+Recordset::Recordset(std::vector<std::string> names, std::vector<std::vector<Value>> rows)
+    : names_(std::move(names)), rows_(std::move(rows))
+{
+}
+
+std::size_t Recordset::columnIndex(std::string_view name) const
+{
+    for (std::size_t i = 0; i < names_.size(); ++i)
+        if (jetEqual(names_[i], name))
+            return i;
+    throw DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden.");
+}
+
+const Value& Recordset::field(std::string_view name) const { return field(columnIndex(name)); }
+
+const Value& Recordset::field(std::size_t column) const
+{
+    if (eof())
+        throw DbError(dberr::NoCurrentRecord, "Kein aktueller Datensatz.");
+    if (column >= names_.size())
+        throw DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden.");
+    return rows_[pos_][column];
+}
+
+// ---------------------------------------------------------------- TableInfo
+
+int TableInfo::column(std::string_view n) const
+{
+    const auto it = byName.find(lower(n));
+    return it == byName.end() ? -1 : it->second;
+}
+
+// ---------------------------------------------------------------- Database
+
+Database::Database(sqlite3* db, std::string path, bool readOnly)
+    : db_(db), path_(std::move(path)), readOnly_(readOnly)
+{
+}
+
+Database::~Database()
+{
+    statements_.clear();
+    sqlite3_close_v2(db_);
+}
+
+std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
+{
+    const std::string native = nativePath(path);
+    if (path.empty() || !fileExists(path))
+        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht gefunden werden.");
+    sqlite3* raw = nullptr;
+    const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
+    const int rc = sqlite3_open_v2(native.c_str(), &raw, flags, nullptr);
+    std::unique_ptr<Database> db(new Database(raw, path, readOnly));
+    if (rc != SQLITE_OK)
+        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht geöffnet werden.");
+    registerJetCollation(raw);
+    sqlite3_busy_timeout(raw, 2000);
+    sqlite3_extended_result_codes(raw, 1);
+    // Reading the schema tells a database file from any other file.
+    const int check = sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+    if (check != SQLITE_OK)
+        throw DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + path + "'.");
+    return db;
+}
+
+std::unique_ptr<Database> Database::create(const std::string& path)
+{
+    const std::string native = nativePath(path);
+    removeFile(path);
+    sqlite3* raw = nullptr;
+    const int rc = sqlite3_open_v2(native.c_str(), &raw,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    std::unique_ptr<Database> db(new Database(raw, path, false));
+    if (rc != SQLITE_OK)
+        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht angelegt werden.");
+    registerJetCollation(raw);
+    sqlite3_extended_result_codes(raw, 1);
+    return db;
+}
+
+DbError Database::errorFor(int rc, std::string_view sql) const
+{
+    const std::string message = sqlite3_errmsg(db_);
+    switch (rc) {
+    case SQLITE_CONSTRAINT_UNIQUE:
+    case SQLITE_CONSTRAINT_PRIMARYKEY:
+    case SQLITE_CONSTRAINT_ROWID:
+        return DbError(dberr::DuplicateKey,
+                       "Die von Ihnen vorgenommenen Änderungen an der Tabelle konnten nicht vorgenommen werden, "
+                       "da der Index, Primärschlüssel oder die Beziehung mehrfach vorkommende Werte enthalten würde. "
+                       "Ändern Sie die Daten in den Feldern, die gleiche Daten enthalten, entfernen Sie den Index, "
+                       "oder definieren Sie den Index neu, damit doppelte Einträge möglich sind, und versuchen Sie es erneut.");
+    case SQLITE_CONSTRAINT_CHECK:
+        return DbError(dberr::NumericOverflow, "Numerischer Feldüberlauf.");
+    case SQLITE_READONLY:
+    case SQLITE_READONLY_DBMOVED:
+        return DbError(dberr::ReadOnly,
+                       "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return DbError(dberr::Locked, "Die Datei '" + path_ + "' ist bereits in Verwendung.");
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+        return DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + path_ + "'.");
+    default:
+        break;
+    }
+    if (message.rfind("no such table", 0) == 0)
+        return DbError(dberr::InputTableNotFound,
+                       "Das Datenbankmodul findet die Eingabetabelle oder -abfrage '" + missingTableName(message) +
+                           "' nicht. Stellen Sie sicher, dass sie existiert und dass der Name richtig geschrieben ist.");
+    if (message.rfind("no such column", 0) == 0)
+        return DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + missingTableName(message) + ").");
+    std::string text = "Datenbankfehler: " + message;
+    if (!sql.empty() && (rc & 0xff) == SQLITE_ERROR)
+        text += " (" + std::string(sql.substr(0, 120)) + ")";
+    return DbError(dberr::General, text);
+}
+
+Statement& Database::prepare(std::string_view sql)
+{
+    const std::string key(sql);
+    if (auto it = statements_.find(key); it != statements_.end())
+        return *it->second;
+    sqlite3_stmt* stmt = nullptr;
+    const int rc = sqlite3_prepare_v3(db_, key.data(), int(key.size()), SQLITE_PREPARE_PERSISTENT, &stmt, nullptr);
+    if (rc != SQLITE_OK)
+        throw errorFor(rc, sql);
+    auto& slot = statements_[key];
+    slot = std::make_unique<Statement>(*this, stmt);
+    return *slot;
+}
+
+std::int64_t Database::execute(std::string_view sql, const std::vector<Value>& params)
+{
+    const bool schemaChange = startsWithKeyword(sql, "create") || startsWithKeyword(sql, "drop") ||
+                              startsWithKeyword(sql, "alter");
+    if (schemaChange) {
+        // Schema statements run once; keeping them prepared would only pin the old schema.
+        statements_.clear();
+        tables_.clear();
+        executeScript(sql);
+        return 0;
+    }
+    Statement& st = prepare(sql);
+    st.bindAll(params);
+    while (st.step()) {
+    }
+    st.reset();
+    return sqlite3_changes64(db_);
+}
+
+void Database::executeScript(std::string_view sql)
+{
+    statements_.clear();
+    tables_.clear();
+    char* err = nullptr;
+    const std::string text(sql);
+    const int rc = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, &err);
+    sqlite3_free(err);
+    if (rc != SQLITE_OK)
+        throw errorFor(rc, sql);
+}
+
+Recordset Database::query(std::string_view sql, const std::vector<Value>& params)
+{
+    Statement& st = prepare(sql);
+    st.bindAll(params);
+    std::vector<std::string> names;
+    const int n = st.columnCount();
+    names.reserve(std::size_t(n));
+    for (int i = 0; i < n; ++i)
+        names.push_back(st.columnName(i));
+    std::vector<std::vector<Value>> rows;
+    while (st.step()) {
+        std::vector<Value> row;
+        row.reserve(std::size_t(n));
+        for (int i = 0; i < n; ++i)
+            row.push_back(st.column(i));
+        rows.push_back(std::move(row));
+    }
+    st.reset();
+    return Recordset(std::move(names), std::move(rows));
+}
+
+Value Database::scalar(std::string_view sql, const std::vector<Value>& params)
+{
+    Statement& st = prepare(sql);
+    st.bindAll(params);
+    Value v;
+    if (st.step())
+        v = st.column(0);
+    st.reset();
+    return v;
+}
+
+bool Database::tableExists(std::string_view name, std::string_view schema)
+{
+    const std::string sql = "SELECT 1 FROM \"" + std::string(schema) +
+                            "\".sqlite_master WHERE type IN ('table','view') AND name = ?1 COLLATE NOCASE";
+    return !isNull(scalar(sql, {std::string(name)}));
+}
+
+const TableInfo& Database::tableInfo(std::string_view name)
+{
+    const std::string key = lower(name);
+    if (auto it = tables_.find(key); it != tables_.end())
+        return it->second;
+    const Value spelled = scalar("SELECT name FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE",
+                                 {std::string(name)});
+    if (isNull(spelled))
+        throw DbError(dberr::InputTableNotFound,
+                      "Das Datenbankmodul findet die Eingabetabelle oder -abfrage '" + std::string(name) +
+                          "' nicht. Stellen Sie sicher, dass sie existiert und dass der Name richtig geschrieben ist.");
+    TableInfo info;
+    info.name = toText(spelled);
+    const Recordset cols = query("SELECT name, type, dflt_value, pk FROM pragma_table_info(?1)", {info.name});
+    for (const auto& row : cols.rows()) {
+        ColumnInfo c;
+        c.name = toText(row[0]);
+        c.declaredType = toText(row[1]);
+        if (!isNull(row[2]))
+            c.defaultValue = parseDefault(reinterpret_cast<const unsigned char*>(toText(row[2]).c_str()));
+        c.isKey = toLong(row[3]) == 1;
+        c.isInteger16 = lower(c.declaredType) == "smallint";
+        if (c.isKey)
+            info.keyColumn = int(info.columns.size());
+        info.byName[lower(c.name)] = int(info.columns.size());
+        info.columns.push_back(std::move(c));
+    }
+    return tables_.emplace(key, std::move(info)).first->second;
+}
+
+std::int64_t Database::reserveAutoNumber(const TableInfo& table)
+{
+    // The key is taken when the row is begun and is never handed out again,
+    // even if the row is abandoned: the sequence moves on at once.
+    const std::string maxSql = "SELECT max(rowid) FROM \"" + table.name + "\"";
+    const std::int64_t maxKey = toLong(scalar(maxSql));
+    const Value seq = scalar("SELECT seq FROM sqlite_sequence WHERE name = ?1", {table.name});
+    const std::int64_t next = std::max(maxKey, isNull(seq) ? 0 : toLong(seq)) + 1;
+    if (isNull(seq))
+        execute("INSERT INTO sqlite_sequence(name, seq) VALUES (?1, ?2)", {table.name, next});
+    else
+        execute("UPDATE sqlite_sequence SET seq = ?2 WHERE name = ?1", {table.name, next});
+    return next;
+}
+
+// ---------------------------------------------------------------- Transaction
+
+Database::Transaction::Transaction(Database& db)
+    : db_(db), name_("qi_tx" + std::to_string(++db.savepointCounter_))
+{
+    const int rc = sqlite3_exec(db_.db_, ("SAVEPOINT " + name_).c_str(), nullptr, nullptr, nullptr);
+    if (rc != SQLITE_OK)
+        throw db_.errorFor(rc);
+}
+
+Database::Transaction::~Transaction()
+{
+    if (open_) {
+        try {
+            rollback();
+        } catch (...) {
+        }
+    }
+}
+
+void Database::Transaction::commit()
+{
+    if (!open_)
+        return;
+    open_ = false;
+    char* err = nullptr;
+    const int rc = sqlite3_exec(db_.db_, ("RELEASE " + name_).c_str(), nullptr, nullptr, &err);
+    sqlite3_free(err);
+    if (rc != SQLITE_OK)
+        throw db_.errorFor(rc);
+}
+
+void Database::Transaction::rollback()
+{
+    if (!open_)
+        return;
+    open_ = false;
+    sqlite3_exec(db_.db_, ("ROLLBACK TO " + name_ + "; RELEASE " + name_).c_str(), nullptr, nullptr, nullptr);
+}
+
+} // namespace qi

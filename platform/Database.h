@@ -1,0 +1,155 @@
+#pragma once
+// The thin data-access layer over SQLite that takes the place of the Jet engine:
+// a database file, statements with bound values, materialised query results,
+// table recordsets (see TableRecordset.h) and a transaction guard.
+
+#include "DbError.h"
+#include "Value.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace qi {
+
+class Database;
+
+/// A prepared statement, owned and reused by its Database.
+class Statement {
+public:
+    Statement(Database& db, sqlite3_stmt* stmt);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    /// Resets the statement and binds the values to ?1, ?2, ...
+    void bindAll(const std::vector<Value>& params);
+    void bind(int index, const Value& v);
+    /// Steps once; true while a row is there. Errors throw DbError.
+    bool step();
+    void reset();
+    int columnCount() const;
+    std::string columnName(int i) const;
+    Value column(int i) const;
+
+private:
+    Database& db_;
+    sqlite3_stmt* stmt_;
+};
+
+/// Result of a query, read completely: column names and rows, with a cursor.
+class Recordset {
+public:
+    Recordset() = default;
+    Recordset(std::vector<std::string> names, std::vector<std::vector<Value>> rows);
+
+    /// Rows in the result.
+    std::size_t size() const { return rows_.size(); }
+    bool empty() const { return rows_.empty(); }
+    bool eof() const { return pos_ >= rows_.size(); }
+    void moveFirst() { pos_ = 0; }
+    void moveNext() { if (pos_ < rows_.size()) ++pos_; }
+    /// Field of the current row by column name (any letter case); DbError 3265 if unknown, 3021 at EOF.
+    const Value& field(std::string_view name) const;
+    /// Field of the current row by column position.
+    const Value& field(std::size_t column) const;
+    const std::vector<std::string>& columnNames() const { return names_; }
+    const std::vector<std::vector<Value>>& rows() const { return rows_; }
+
+private:
+    std::size_t columnIndex(std::string_view name) const;
+    std::vector<std::string> names_;
+    std::vector<std::vector<Value>> rows_;
+    std::size_t pos_ = 0;
+};
+
+/// Column description of a table, as the table recordsets need it.
+struct ColumnInfo {
+    std::string name;
+    std::string declaredType;
+    Value defaultValue;
+    bool isKey = false;
+    bool isInteger16 = false;
+};
+
+struct TableInfo {
+    std::string name; ///< as spelled in the schema
+    std::vector<ColumnInfo> columns;
+    int keyColumn = -1;
+    /// Column position by lower-case name.
+    std::unordered_map<std::string, int> byName;
+    int column(std::string_view name) const; ///< -1 if unknown
+};
+
+/// One open database file.
+class Database {
+public:
+    /// Opens an existing file; a missing file is refused (DbError 3024) and nothing is created.
+    static std::unique_ptr<Database> open(const std::string& path, bool readOnly = false);
+    /// Creates a new, empty file (an existing file is replaced).
+    static std::unique_ptr<Database> create(const std::string& path);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    const std::string& path() const { return path_; }
+    bool readOnly() const { return readOnly_; }
+
+    /// Runs an action statement with bound values; returns the number of rows changed.
+    std::int64_t execute(std::string_view sql, const std::vector<Value>& params = {});
+    /// Runs several statements without values (schema scripts).
+    void executeScript(std::string_view sql);
+    /// Runs a query and reads its whole result.
+    Recordset query(std::string_view sql, const std::vector<Value>& params = {});
+    /// First column of the first row, or Null.
+    Value scalar(std::string_view sql, const std::vector<Value>& params = {});
+    /// The cached prepared statement for this text.
+    Statement& prepare(std::string_view sql);
+
+    /// Whether a table (or view) of that name exists, letter case ignored.
+    bool tableExists(std::string_view name, std::string_view schema = "main");
+    /// Table description; DbError 3078 when there is no such table.
+    const TableInfo& tableInfo(std::string_view name);
+
+    /// Key value that the next AddNew of `table` gets; the number is consumed at once.
+    std::int64_t reserveAutoNumber(const TableInfo& table);
+
+    /// Builds the DbError for an SQLite result code on this connection.
+    DbError errorFor(int rc, std::string_view sql = {}) const;
+
+    sqlite3* handle() { return db_; }
+
+    /// RAII transaction (a savepoint, so guards nest): rolled back unless committed.
+    class Transaction {
+    public:
+        explicit Transaction(Database& db);
+        ~Transaction();
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
+        void commit();
+        void rollback();
+
+    private:
+        Database& db_;
+        std::string name_;
+        bool open_ = true;
+    };
+
+private:
+    Database(sqlite3* db, std::string path, bool readOnly);
+    sqlite3* db_;
+    std::string path_;
+    bool readOnly_;
+    int savepointCounter_ = 0;
+    std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+    std::map<std::string, TableInfo> tables_;
+};
+
+} // namespace qi

@@ -1,0 +1,98 @@
+#include "FileSystem.h"
+
+#include <QCoreApplication>
+#include <filesystem>
+#include <system_error>
+
+namespace qi {
+
+namespace fs = std::filesystem;
+
+std::string nativePath(const std::string& path)
+{
+    std::string r = path;
+    for (char& c : r)
+        if (c == '\\')
+            c = '/';
+    return r;
+}
+
+std::string systemPath(const std::string& native)
+{
+    std::string r = native;
+    for (char& c : r)
+        if (c == '/')
+            c = '\\';
+    return r;
+}
+
+bool fileExists(const std::string& path)
+{
+    std::error_code ec;
+    return !path.empty() && fs::is_regular_file(fs::u8path(nativePath(path)), ec);
+}
+
+bool folderExists(const std::string& path)
+{
+    std::error_code ec;
+    return !path.empty() && fs::is_directory(fs::u8path(nativePath(path)), ec);
+}
+
+int countFiles(const std::string& folder)
+{
+    std::error_code ec;
+    fs::directory_iterator it(fs::u8path(nativePath(folder)), ec);
+    if (ec)
+        return -1;
+    int n = 0;
+    for (; it != fs::directory_iterator(); it.increment(ec)) {
+        if (ec)
+            return -1;
+        std::error_code fe;
+        if (it->is_regular_file(fe))
+            ++n;
+    }
+    return n;
+}
+
+bool createFolder(const std::string& path)
+{
+    std::error_code ec;
+    return fs::create_directory(fs::u8path(nativePath(path)), ec) && !ec;
+}
+
+bool copyFile(const std::string& from, const std::string& to)
+{
+    std::error_code ec;
+    fs::copy_file(fs::u8path(nativePath(from)), fs::u8path(nativePath(to)), fs::copy_options::overwrite_existing, ec);
+    return !ec;
+}
+
+bool removeFile(const std::string& path)
+{
+    std::error_code ec;
+    return fs::remove(fs::u8path(nativePath(path)), ec) && !ec;
+}
+
+std::string fileNamePart(const std::string& path)
+{
+    const auto pos = path.find_last_of("\\/");
+    return pos == std::string::npos ? path : path.substr(pos + 1);
+}
+
+std::string folderPart(const std::string& path)
+{
+    const auto pos = path.find_last_of("\\/");
+    return pos == std::string::npos ? std::string() : path.substr(0, pos + 1);
+}
+
+std::string programFolder()
+{
+    if (QCoreApplication::instance())
+        return QCoreApplication::applicationDirPath().toStdString();
+    std::error_code ec;
+    const auto exe = fs::read_symlink("/proc/self/exe", ec);
+    return ec ? std::string(".") : exe.parent_path().string();
+}
+
+} // namespace qi

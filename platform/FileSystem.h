@@ -1,0 +1,34 @@
+#pragma once
+// File-system functions on the system's own paths, which use backslashes
+// ("Inventur\", "\QInventurRpt.mdb"). A backslash is mapped to the platform's
+// separator when the file system is asked; stored paths keep their backslashes.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qi {
+
+/// The path as the file system wants it (backslashes become '/'; doubled separators are harmless).
+std::string nativePath(const std::string& path);
+/// The system's form of a native path (separators become backslashes).
+std::string systemPath(const std::string& native);
+
+bool fileExists(const std::string& path);   ///< a regular file
+bool folderExists(const std::string& path); ///< a directory
+/// Number of regular files directly in a folder; -1 when the folder can't be read.
+int countFiles(const std::string& folder);
+/// Creates one folder; false on failure.
+bool createFolder(const std::string& path);
+/// Copies a file, overwriting the target; false on failure.
+bool copyFile(const std::string& from, const std::string& to);
+/// Deletes a file; false when it was not there or could not be deleted.
+bool removeFile(const std::string& path);
+/// Everything after the last backslash (or slash).
+std::string fileNamePart(const std::string& path);
+/// Everything up to and including the last backslash (or slash); empty if there is none.
+std::string folderPart(const std::string& path);
+/// The program's own folder (without trailing separator).
+std::string programFolder();
+
+} // namespace qi

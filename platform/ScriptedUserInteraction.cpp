@@ -1,0 +1,33 @@
+#include "ScriptedUserInteraction.h"
+
+namespace qi {
+
+MsgResult ScriptedUserInteraction::messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
+                                              const std::string& title)
+{
+    messages.push_back({text, buttons, icon, title});
+    if (!answers.empty()) {
+        const MsgResult r = answers.front();
+        answers.pop_front();
+        return r;
+    }
+    return buttons == MsgButtons::YesNo ? MsgResult::Yes : MsgResult::Ok;
+}
+
+std::optional<std::string> ScriptedUserInteraction::openFile(const FileDialogRequest& request)
+{
+    fileRequests.push_back(request);
+    if (fileChoices.empty())
+        return std::nullopt;
+    auto r = fileChoices.front();
+    fileChoices.pop_front();
+    return r;
+}
+
+void ScriptedUserInteraction::setBusy(bool b)
+{
+    busy = b;
+    busyChanges.push_back(b);
+}
+
+} // namespace qi

@@ -1,0 +1,193 @@
+#include "TableRecordset.h"
+
+#include "JetCollation.h"
+
+namespace qi {
+
+namespace {
+
+std::string quoted(const std::string& name) { return "\"" + name + "\""; }
+
+std::string selectByKeySql(const TableInfo& t)
+{
+    return "SELECT * FROM " + quoted(t.name) + " WHERE rowid = ?1";
+}
+
+std::string insertSql(const TableInfo& t)
+{
+    std::string cols, marks;
+    for (std::size_t i = 0; i < t.columns.size(); ++i) {
+        cols += (i ? "," : "") + quoted(t.columns[i].name);
+        marks += (i ? ",?" : "?") + std::to_string(i + 1);
+    }
+    return "INSERT INTO " + quoted(t.name) + " (" + cols + ") VALUES (" + marks + ")";
+}
+
+std::string updateSql(const TableInfo& t)
+{
+    std::string sets;
+    for (std::size_t i = 0; i < t.columns.size(); ++i)
+        sets += (i ? "," : "") + quoted(t.columns[i].name) + "=?" + std::to_string(i + 1);
+    return "UPDATE " + quoted(t.name) + " SET " + sets + " WHERE rowid = ?" + std::to_string(t.columns.size() + 1);
+}
+
+[[noreturn]] void noCurrentRecord() { throw DbError(dberr::NoCurrentRecord, "Kein aktueller Datensatz."); }
+
+} // namespace
+
+TableRecordset::TableRecordset(Database& db, std::string_view table) : db_(db), info_(db.tableInfo(table))
+{
+    if (info_.keyColumn < 0)
+        throw DbError(dberr::ItemNotFound, "Die Tabelle '" + info_.name + "' hat keinen Primärschlüssel.");
+}
+
+void TableRecordset::setIndex(std::string_view name)
+{
+    if (!jetEqual(name, "PrimaryKey"))
+        throw DbError(dberr::ItemNotFound, "'" + std::string(name) + "' ist kein Index dieser Tabelle.");
+}
+
+bool TableRecordset::seek(std::int64_t key)
+{
+    if (mode_ != Mode::None)
+        cancelUpdate();
+    Statement& st = db_.prepare(selectByKeySql(info_));
+    st.bindAll({key});
+    noMatch_ = !st.step();
+    if (!noMatch_) {
+        current_.resize(info_.columns.size());
+        for (std::size_t i = 0; i < info_.columns.size(); ++i)
+            current_[i] = st.column(int(i));
+    }
+    st.reset();
+    hasCurrent_ = !noMatch_;
+    return hasCurrent_;
+}
+
+void TableRecordset::loadAll()
+{
+    if (loaded_)
+        return;
+    rows_ = db_.query("SELECT * FROM " + quoted(info_.name) + " ORDER BY rowid").rows();
+    loaded_ = true;
+}
+
+std::size_t TableRecordset::recordCount()
+{
+    loadAll();
+    return rows_.size();
+}
+
+bool TableRecordset::moveFirst()
+{
+    loadAll();
+    pos_ = 0;
+    hasCurrent_ = !rows_.empty();
+    if (hasCurrent_)
+        current_ = rows_[0];
+    return hasCurrent_;
+}
+
+void TableRecordset::moveNext()
+{
+    loadAll();
+    if (pos_ < rows_.size())
+        ++pos_;
+    hasCurrent_ = pos_ < rows_.size();
+    if (hasCurrent_)
+        current_ = rows_[pos_];
+}
+
+bool TableRecordset::eof() const { return !loaded_ || pos_ >= rows_.size(); }
+
+std::int64_t TableRecordset::addNew()
+{
+    if (mode_ != Mode::None)
+        cancelUpdate();
+    current_.assign(info_.columns.size(), Value{});
+    for (std::size_t i = 0; i < info_.columns.size(); ++i)
+        current_[i] = info_.columns[i].defaultValue;
+    const std::int64_t key = db_.reserveAutoNumber(info_);
+    current_[std::size_t(info_.keyColumn)] = key;
+    mode_ = Mode::Add;
+    hasCurrent_ = true;
+    return key;
+}
+
+void TableRecordset::edit()
+{
+    if (!hasCurrent_)
+        noCurrentRecord();
+    mode_ = Mode::Edit;
+}
+
+void TableRecordset::update()
+{
+    if (mode_ == Mode::None)
+        throw DbError(dberr::UpdateWithoutEdit, "Aktualisieren ohne AddNew oder Edit.");
+    if (mode_ == Mode::Add) {
+        Statement& st = db_.prepare(insertSql(info_));
+        st.bindAll(current_);
+        st.step();
+        st.reset();
+    } else {
+        Statement& st = db_.prepare(updateSql(info_));
+        st.bindAll(current_);
+        st.bind(int(info_.columns.size() + 1), current_[std::size_t(info_.keyColumn)]);
+        st.step();
+        st.reset();
+        if (loaded_ && pos_ < rows_.size())
+            rows_[pos_] = current_;
+    }
+    mode_ = Mode::None;
+}
+
+void TableRecordset::cancelUpdate()
+{
+    if (mode_ == Mode::Add)
+        hasCurrent_ = false;
+    mode_ = Mode::None;
+}
+
+void TableRecordset::remove()
+{
+    if (!hasCurrent_ || mode_ == Mode::Add)
+        noCurrentRecord();
+    db_.execute("DELETE FROM " + quoted(info_.name) + " WHERE rowid = ?1", {current_[std::size_t(info_.keyColumn)]});
+    hasCurrent_ = false;
+    mode_ = Mode::None;
+}
+
+int TableRecordset::columnIndex(std::string_view column) const
+{
+    const int i = info_.column(column);
+    if (i < 0)
+        throw DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + std::string(column) + ").");
+    return i;
+}
+
+const Value& TableRecordset::field(std::string_view column) const
+{
+    const int i = columnIndex(column);
+    if (!hasCurrent_)
+        noCurrentRecord();
+    return current_[std::size_t(i)];
+}
+
+void TableRecordset::setField(std::string_view column, Value value)
+{
+    const int i = columnIndex(column);
+    if (mode_ == Mode::None)
+        throw DbError(dberr::UpdateWithoutEdit, "Aktualisieren ohne AddNew oder Edit.");
+    if (i == info_.keyColumn)
+        throw DbError(dberr::General, "Das Feld '" + info_.columns[std::size_t(i)].name + "' kann nicht aktualisiert werden.");
+    if (info_.columns[std::size_t(i)].isInteger16 && !isNull(value)) {
+        const std::int64_t n = toLong(value);
+        if (n < -32768 || n > 32767)
+            throw DbError(dberr::NumericOverflow, "Numerischer Feldüberlauf.");
+        value = n;
+    }
+    current_[std::size_t(i)] = std::move(value);
+}
+
+} // namespace qi

@@ -1,0 +1,15 @@
+#include "UserInteraction.h"
+
+namespace qi {
+
+void UserInteraction::showError(const std::string& label, const std::string& description)
+{
+    messageBox(label + "\r\n" + description, MsgButtons::Ok, MsgIcon::Critical, kProgramName);
+}
+
+bool UserInteraction::askYesNo(const std::string& text, const std::string& title, MsgIcon icon)
+{
+    return messageBox(text, MsgButtons::YesNo, icon, title) == MsgResult::Yes;
+}
+
+} // namespace qi

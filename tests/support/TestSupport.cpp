@@ -1,0 +1,69 @@
+#include "TestSupport.h"
+
+#include "CInventurDb.h"
+#include "OrderSchema.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace qi::test {
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir()
+{
+    std::random_device rd;
+    const auto base = fs::temp_directory_path() / "qinventur-tests";
+    fs::create_directories(base);
+    for (;;) {
+        const auto p = base / ("t" + std::to_string(rd()));
+        if (fs::create_directory(p)) {
+            path_ = p.string();
+            break;
+        }
+    }
+}
+
+TempDir::~TempDir()
+{
+    std::error_code ec;
+    fs::remove_all(path_, ec);
+}
+
+void makeOrderDatabase(const std::string& path)
+{
+    auto db = Database::create(path);
+    createOrderSchema(*db);
+}
+
+void makeRegisterDatabase(const std::string& path)
+{
+    auto db = Database::create(path);
+    createRegisterSchema(*db);
+}
+
+void writeFile(const std::string& path, const std::string& bytes)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << bytes;
+}
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+void OrderDbTest::SetUp()
+{
+    dbFile = dir.file("A1.mdb");
+    makeOrderDatabase(dbFile);
+    db.setDbPath(dbFile);
+    ASSERT_TRUE(db.OpenDb()) << db.LastError();
+}
+
+} // namespace qi::test

@@ -1,0 +1,48 @@
+#pragma once
+// Shared helpers of the tests: a temporary folder per test and fresh databases.
+
+#include "CAuftragDb.h"
+#include "ScriptedUserInteraction.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace qi::test {
+
+/// A fresh, empty folder that is removed with the object.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    /// The folder, without trailing separator.
+    const std::string& path() const { return path_; }
+    /// A path inside the folder.
+    std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+/// Creates an empty order database file at `path`.
+void makeOrderDatabase(const std::string& path);
+/// Creates an empty order register file at `path`.
+void makeRegisterDatabase(const std::string& path);
+/// Writes a text file as it stands (bytes).
+void writeFile(const std::string& path, const std::string& bytes);
+/// Reads a whole file as bytes.
+std::string readFile(const std::string& path);
+
+/// A test with a temporary folder, a scripted user and an open, empty order database.
+class OrderDbTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    TempDir dir;
+    ScriptedUserInteraction ui;
+    CAuftragDb db{ui};
+    std::string dbFile;
+};
+
+} // namespace qi::test
