@@ -1,0 +1,118 @@
+#pragma once
+// Quarn's host components as the system uses them: the building database
+// component (structure tree, rooms, the objects standing in a room), the object
+// component (lookup by inventory number) and the article component (lookup by
+// article number). They only read Quarn's databases, never write them.
+// For Jet projects the database argument of Open is the path of a Quarn file;
+// for ODBC projects it is the connection string.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qi {
+
+class Database;
+
+/// A node of the building structure (T_Gebstru).
+struct GebNode {
+    std::int32_t lId = 0;
+    std::int32_t lParentId = 0; ///< 0 at the top
+    int byTyp = 0;              ///< 1 site, 2 building, 3 floor (its rooms are listed), 4 room
+    std::string stNr;
+    std::string stBezeichnung;
+};
+
+/// The building structure as the tree control shows it; nodes in (parent, number) order.
+struct GebStruktur {
+    std::vector<GebNode> nodes;
+};
+
+/// A room object: the host id (T_Raumkern.lId, kept as lIdRB) and the room number text.
+struct GebRoom {
+    std::int32_t lId = 0;
+    std::string stRaumNr;
+    std::string stBezeichnung;
+};
+
+/// An object standing in a room, as the evaluation needs it.
+struct RoomObject {
+    std::string stName;         ///< inventory number
+    std::string stBeschreibung; ///< description
+    std::string stArtNr;        ///< the article's number
+};
+
+/// What the object component answers for an inventory number.
+struct HostObject {
+    std::string stArtNr;        ///< article number
+    std::string stArtName;      ///< article name
+    std::string stBeschreibung; ///< object description
+    std::string stOrt;          ///< room number of the object's location
+};
+
+/// The building database component "QGebDb" (QGebaeude.mdb, plus the module's object tables).
+class QGebDb {
+public:
+    QGebDb();
+    ~QGebDb();
+    /// Opens with the program folder and the building database (Jet file path or ODBC string).
+    /// False with LastError set when that fails (ODBC projects are not supported yet).
+    bool Open(const std::string& appFolder, const std::string& database);
+    /// The object database file that the per-room object query reads (the module's file), and the module's table prefix.
+    bool OpenObjects(const std::string& database, const std::string& tablePrefix);
+    const std::string& LastError() const { return lastError_; }
+
+    /// The building structure for the tree; asked with the number 1. Empty when not open.
+    std::optional<GebStruktur> GetGebStruktur(int what);
+    /// All rooms of the installation, in room-number order.
+    bool GetAllRooms(std::vector<GebRoom>& rooms, int flags = 0);
+    /// The rooms under one node (a floor), in room-number order.
+    bool GetRoomsOfNode(std::int32_t nodeId, std::vector<GebRoom>& rooms, int flags = 0);
+    /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0).
+    bool GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects);
+
+private:
+    std::unique_ptr<Database> geb_;
+    std::unique_ptr<Database> obj_;
+    std::string prefix_;
+    std::string lastError_;
+};
+
+/// The object component: lookup of an object by its inventory number.
+class QObjektDb {
+public:
+    QObjektDb();
+    ~QObjektDb();
+    bool Open(const std::string& appFolder, const std::string& database);
+    /// "T_I", "T_T" or "T_B".
+    void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
+    const std::string& LastError() const { return lastError_; }
+    /// The object with that inventory number, or nothing.
+    std::optional<HostObject> FindByInvNr(const std::string& invNr);
+
+private:
+    std::unique_ptr<Database> db_;
+    std::string prefix_ = "T_I";
+    std::string lastError_;
+};
+
+/// The article component: lookup of an article by its number.
+class QArtikelDb {
+public:
+    QArtikelDb();
+    ~QArtikelDb();
+    bool Open(const std::string& appFolder, const std::string& database);
+    void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
+    const std::string& LastError() const { return lastError_; }
+    /// The article's name as its description, or nothing.
+    std::optional<std::string> FindDescription(const std::string& artNr);
+
+private:
+    std::unique_ptr<Database> db_;
+    std::string prefix_ = "T_I";
+    std::string lastError_;
+};
+
+} // namespace qi

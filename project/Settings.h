@@ -1,0 +1,30 @@
+#pragma once
+// The program-wide settings that start-up establishes once and every window reads.
+
+#include <cstdint>
+#include <string>
+
+namespace qi {
+
+struct Settings {
+    /// Project folder; ends in a backslash once set; empty when no project is configured.
+    std::string gstProjektPfad;
+    /// "ptJet", or any other value, which means ODBC.
+    std::string gstProjekttyp;
+    /// ODBC connection string of the host database (only for ODBC projects).
+    std::string gstConnectionString;
+    /// The program's own folder.
+    std::string gstAppPfad;
+    /// Host module: 0 INVENTAR, 1 TECHNIK, 2 BRANDSCHUTZ.
+    std::int16_t giModul = 0;
+    /// Set by the room selection when rooms were taken out of an order.
+    bool gbRaeumeGeaendert = false;
+
+    bool isJet() const { return gstProjekttyp == "ptJet"; }
+    /// "T_I", "T_T" or "T_B" for the module; empty outside 0..2.
+    std::string tablePrefix() const;
+    /// The module's object database file name with its leading backslash ("\QOvInventar.mdb" ...).
+    std::string objectDatabaseFile() const;
+};
+
+} // namespace qi
