@@ -16,6 +16,9 @@ namespace qi {
 
 class Database;
 
+/// LastError of an Open whose database argument is a connection string ("DSN=...").
+inline constexpr const char* kOdbcNotSupported = "ODBC-Projekte werden noch nicht unterstützt.";
+
 /// A node of the building structure (T_Gebstru).
 struct GebNode {
     std::int32_t lId = 0;
@@ -57,12 +60,15 @@ class QGebDb {
 public:
     QGebDb();
     ~QGebDb();
-    /// Opens with the program folder and the building database (Jet file path or ODBC string).
-    /// False with LastError set when that fails (ODBC projects are not supported yet).
+    /// Opens with the program folder and the building database (Jet file path or ODBC string), read-only.
+    /// False with LastError set when that fails; a connection string (any argument holding "=")
+    /// fails with kOdbcNotSupported.
     bool Open(const std::string& appFolder, const std::string& database);
     /// The object database file that the per-room object query reads (the module's file), and the module's table prefix.
     bool OpenObjects(const std::string& database, const std::string& tablePrefix);
     const std::string& LastError() const { return lastError_; }
+    /// True after a successful Open.
+    bool IsOpen() const;
 
     /// The building structure for the tree; asked with the number 1. Empty when not open.
     std::optional<GebStruktur> GetGebStruktur(int what);
@@ -70,10 +76,13 @@ public:
     bool GetAllRooms(std::vector<GebRoom>& rooms, int flags = 0);
     /// The rooms under one node (a floor), in room-number order.
     bool GetRoomsOfNode(std::int32_t nodeId, std::vector<GebRoom>& rooms, int flags = 0);
-    /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0).
+    /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0), by inventory number.
+    /// Needs OpenObjects; false with LastError when the objects are not open or the query fails.
     bool GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects);
 
 private:
+    /// The open building database; throws DbError (LastError's text) when not open.
+    Database& building();
     std::unique_ptr<Database> geb_;
     std::unique_ptr<Database> obj_;
     std::string prefix_;
@@ -89,7 +98,10 @@ public:
     /// "T_I", "T_T" or "T_B".
     void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
     const std::string& LastError() const { return lastError_; }
-    /// The object with that inventory number, or nothing.
+    /// True after a successful Open.
+    bool IsOpen() const { return db_ != nullptr; }
+    /// The object with that inventory number (compared like Jet text: case and trailing blanks ignored),
+    /// or nothing. Throws DbError when not open (with the open's failure text) or when the query fails.
     std::optional<HostObject> FindByInvNr(const std::string& invNr);
 
 private:
@@ -106,7 +118,9 @@ public:
     bool Open(const std::string& appFolder, const std::string& database);
     void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
     const std::string& LastError() const { return lastError_; }
-    /// The article's name as its description, or nothing.
+    /// True after a successful Open.
+    bool IsOpen() const { return db_ != nullptr; }
+    /// The article's name as its description, or nothing. Throws DbError when not open or when the query fails.
     std::optional<std::string> FindDescription(const std::string& artNr);
 
 private:

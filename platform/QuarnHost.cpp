@@ -1,0 +1,218 @@
+#include "QuarnHost.h"
+
+#include "Database.h"
+
+namespace qi {
+
+namespace {
+
+/// Failure text of an open; the engine's description follows after a line break.
+constexpr const char* kOpenFailed = "Die Quarn-Datenbank konnte nicht geöffnet werden!";
+/// Asked before a successful open.
+constexpr const char* kNotOpen = "Die Quarn-Datenbank ist nicht geöffnet.";
+
+/// A database argument that names a connection ("DSN=...;UID=...") rather than a file.
+bool isConnectionString(const std::string& database)
+{
+    return database.find('=') != std::string::npos;
+}
+
+/// Opens a Quarn file read-only; on failure sets `error` and answers null.
+std::unique_ptr<Database> openHostFile(const std::string& database, std::string& error)
+{
+    error.clear();
+    if (isConnectionString(database)) {
+        error = kOdbcNotSupported;
+        return nullptr;
+    }
+    try {
+        return Database::open(database, true);
+    } catch (const DbError& e) {
+        error = std::string(kOpenFailed) + "\r\n" + e.description();
+    }
+    return nullptr;
+}
+
+/// The module's table prefix, checked: only the three known prefixes become part of a statement.
+const std::string& checkedPrefix(const std::string& prefix)
+{
+    if (prefix != "T_I" && prefix != "T_T" && prefix != "T_B")
+        throw DbError(dberr::InputTableNotFound, "Unbekannter Tabellenpräfix '" + prefix + "'.");
+    return prefix;
+}
+
+std::string text(const Statement& st, int column) { return toText(st.column(column)); }
+
+std::int32_t int32(const Statement& st, int column) { return static_cast<std::int32_t>(toLong(st.column(column))); }
+
+/// Runs a room query (columns lId, stRaumNr, stBezeichnung) into `rooms`.
+void readRooms(Statement& st, std::vector<GebRoom>& rooms)
+{
+    while (st.step())
+        rooms.push_back(GebRoom{int32(st, 0), text(st, 1), text(st, 2)});
+    st.reset();
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- QGebDb
+
+QGebDb::QGebDb() = default;
+QGebDb::~QGebDb() = default;
+
+bool QGebDb::Open(const std::string& /*appFolder*/, const std::string& database)
+{
+    geb_ = openHostFile(database, lastError_);
+    return geb_ != nullptr;
+}
+
+bool QGebDb::OpenObjects(const std::string& database, const std::string& tablePrefix)
+{
+    obj_ = openHostFile(database, lastError_);
+    prefix_ = tablePrefix;
+    return obj_ != nullptr;
+}
+
+Database& QGebDb::building()
+{
+    if (!geb_)
+        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    return *geb_;
+}
+
+bool QGebDb::IsOpen() const { return geb_ != nullptr; }
+
+std::optional<GebStruktur> QGebDb::GetGebStruktur(int /*what*/)
+{
+    if (!geb_)
+        return std::nullopt;
+    try {
+        Statement& st = geb_->prepare(
+            "SELECT lId, lParentId, byTyp, stNr, stBezeichnung FROM T_Gebstru ORDER BY lParentId, stNr, lId");
+        st.bindAll({});
+        GebStruktur s;
+        while (st.step())
+            s.nodes.push_back(GebNode{int32(st, 0), int32(st, 1), int(toLong(st.column(2))), text(st, 3), text(st, 4)});
+        st.reset();
+        lastError_.clear();
+        return s;
+    } catch (const DbError& e) {
+        lastError_ = e.description();
+    }
+    return std::nullopt;
+}
+
+bool QGebDb::GetAllRooms(std::vector<GebRoom>& rooms, int /*flags*/)
+{
+    rooms.clear();
+    try {
+        Statement& st = building().prepare("SELECT lId, stRaumNr, stBezeichnung FROM T_Raumkern ORDER BY stRaumNr, lId");
+        st.bindAll({});
+        readRooms(st, rooms);
+        lastError_.clear();
+        return true;
+    } catch (const DbError& e) {
+        lastError_ = e.description();
+    }
+    return false;
+}
+
+bool QGebDb::GetRoomsOfNode(std::int32_t nodeId, std::vector<GebRoom>& rooms, int /*flags*/)
+{
+    rooms.clear();
+    try {
+        // Every room below the node: for a floor its rooms, for a building or site those of all its floors.
+        Statement& st = building().prepare(
+            "WITH RECURSIVE below(id) AS (SELECT lId FROM T_Gebstru WHERE lParentId = ?1 "
+            "UNION SELECT g.lId FROM T_Gebstru g JOIN below b ON g.lParentId = b.id) "
+            "SELECT r.lId, r.stRaumNr, r.stBezeichnung FROM T_Raumkern r WHERE r.lId IN (SELECT id FROM below) "
+            "ORDER BY r.stRaumNr, r.lId");
+        st.bindAll({std::int64_t{nodeId}});
+        readRooms(st, rooms);
+        lastError_.clear();
+        return true;
+    } catch (const DbError& e) {
+        lastError_ = e.description();
+    }
+    return false;
+}
+
+bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects)
+{
+    objects.clear();
+    if (!obj_) {
+        if (lastError_.empty())
+            lastError_ = kNotOpen;
+        return false;
+    }
+    try {
+        const std::string& p = checkedPrefix(prefix_);
+        Statement& st = obj_->prepare("SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " +
+                                      p + "Artikel a ON a.lId = o.lArtikelId "
+                                      "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 "
+                                      "ORDER BY o.stName");
+        st.bindAll({std::int64_t{roomId}});
+        while (st.step())
+            objects.push_back(RoomObject{text(st, 0), text(st, 1), text(st, 2)});
+        st.reset();
+        lastError_.clear();
+        return true;
+    } catch (const DbError& e) {
+        lastError_ = e.description();
+    }
+    objects.clear();
+    return false;
+}
+
+// ---------------------------------------------------------------- QObjektDb
+
+QObjektDb::QObjektDb() = default;
+QObjektDb::~QObjektDb() = default;
+
+bool QObjektDb::Open(const std::string& /*appFolder*/, const std::string& database)
+{
+    db_ = openHostFile(database, lastError_);
+    return db_ != nullptr;
+}
+
+std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
+{
+    if (!db_)
+        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    const std::string& p = checkedPrefix(prefix_);
+    Statement& st = db_->prepare("SELECT a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " +
+                                 p + "Artikel a ON a.lId = o.lArtikelId WHERE o.stName = ?1 ORDER BY o.lId LIMIT 1");
+    st.bindAll({invNr});
+    std::optional<HostObject> found;
+    if (st.step())
+        found = HostObject{text(st, 0), text(st, 1), text(st, 2), text(st, 3)};
+    st.reset();
+    return found;
+}
+
+// ---------------------------------------------------------------- QArtikelDb
+
+QArtikelDb::QArtikelDb() = default;
+QArtikelDb::~QArtikelDb() = default;
+
+bool QArtikelDb::Open(const std::string& /*appFolder*/, const std::string& database)
+{
+    db_ = openHostFile(database, lastError_);
+    return db_ != nullptr;
+}
+
+std::optional<std::string> QArtikelDb::FindDescription(const std::string& artNr)
+{
+    if (!db_)
+        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    const std::string& p = checkedPrefix(prefix_);
+    Statement& st = db_->prepare("SELECT stName FROM " + p + "Artikel WHERE stArtNr = ?1 ORDER BY lId LIMIT 1");
+    st.bindAll({artNr});
+    std::optional<std::string> found;
+    if (st.step())
+        found = text(st, 0);
+    st.reset();
+    return found;
+}
+
+} // namespace qi
