@@ -1,0 +1,221 @@
+#include "Startup.h"
+
+#include "FileSystem.h"
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+
+namespace qi {
+
+namespace {
+
+std::string upper(std::string s)
+{
+    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return char(std::toupper(c)); });
+    return s;
+}
+
+std::string describe(const std::exception& e)
+{
+    if (const auto* db = dynamic_cast<const DbError*>(&e))
+        return db->description();
+    return e.what();
+}
+
+/// Runs the start-up statements with the error handling that start-up switches during its run:
+/// at first an unexpected error ends start-up with the common message; once the project folder
+/// has been checked, an error only skips the statement that raised it.
+class Steps {
+public:
+    explicit Steps(UserInteraction& ui) : ui_(ui) {}
+
+    /// From here on errors are ignored.
+    void ignoreErrors() { ignore_ = true; }
+
+    /// Runs one statement; false when start-up has to end.
+    template <class F>
+    bool operator()(F&& statement)
+    {
+        try {
+            statement();
+            return true;
+        } catch (const std::exception& e) {
+            if (ignore_)
+                return true;
+            ui_.showError(startupmsg::ErrorLabel, describe(e));
+        } catch (...) {
+            if (ignore_)
+                return true;
+            ui_.showError(startupmsg::ErrorLabel, "Unbekannter Fehler.");
+        }
+        return false;
+    }
+
+private:
+    UserInteraction& ui_;
+    bool ignore_ = false;
+};
+
+void problem(UserInteraction& ui, const char* text)
+{
+    ui.messageBox(text, MsgButtons::Ok, MsgIcon::Critical, startupmsg::Title);
+}
+
+} // namespace
+
+StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui)
+{
+    const ProfileService profile;
+    return RunStartup(programFolder, settings, ui, profile);
+}
+
+StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
+                         const ProfileService& profile)
+{
+    StartupResult result;
+    Steps step(ui);
+
+    // 1. The current project from the host's profile file.
+    std::string projekt;
+    if (!step([&] { projekt = profile.ReadProfileValue(programFolder + "\\Quarn.ini", "Quarn", "Projekt", ""); }))
+        return result;
+    // 2. The caption shows the value as it stands.
+    result.caption = "Aufträge im Projekt: '" + projekt + "'";
+
+    // 3. The project folder: kept only when it exists and holds at least one file.
+    if (!projekt.empty()) {
+        if (projekt.back() != '\\')
+            projekt += '\\';
+        step.ignoreErrors();
+        if (!folderExists(projekt)) {
+            problem(ui, startupmsg::ProjectNotFound);
+            return result;
+        }
+        if (countFiles(projekt) > 0)
+            settings.gstProjektPfad = projekt;
+    }
+
+    // 4. Project type; an empty value means Jet files.
+    const std::string projektIni = settings.gstProjektPfad + "Projekt.ini";
+    if (!step([&] { settings.gstProjekttyp = profile.ReadProfileValue(projektIni, "ODBC", "Projekttyp", ""); }))
+        return result;
+    if (settings.gstProjekttyp.empty())
+        settings.gstProjekttyp = "ptJet";
+
+    // 5. ODBC projects name their database by a connection string.
+    if (!settings.isJet()) {
+        if (!step([&] {
+                settings.gstConnectionString =
+                    profile.ReadProfileValue(projektIni, "ODBC", "ConnectionString", "");
+            }))
+            return result;
+        if (settings.gstConnectionString.empty()) {
+            problem(ui, startupmsg::NoConnectionString);
+            return result;
+        }
+    }
+
+    // 6. The module; a value that matches none leaves INVENTAR.
+    std::string modul;
+    if (!step([&] { modul = upper(profile.ReadProfileValue(projektIni, "Inventur", "Modul", "INVENTAR")); }))
+        return result;
+    if (modul == "INVENTAR")
+        settings.giModul = 0;
+    else if (modul == "TECHNIK")
+        settings.giModul = 1;
+    else if (modul == "BRANDSCHUTZ")
+        settings.giModul = 2;
+
+    // 7. Seed a new project. The program folder is only stored in step 9; seeding reads the template
+    // beside the program all the same.
+    bool seeded = false;
+    if (!step([&] {
+            Settings seeding = settings;
+            seeding.gstAppPfad = programFolder;
+            seeded = CheckDB_Reports(seeding, profile);
+        }))
+        return result;
+    if (!seeded) {
+        problem(ui, startupmsg::SeedingFailed);
+        return result;
+    }
+
+    // 8. The order register; its open is not checked here (reading the list reports a failure).
+    if (!step([&] {
+            auto db = std::make_unique<CInventurDb>();
+            std::string folder = settings.gstProjektPfad;
+            if (!folder.empty() && folder.back() != '\\')
+                folder += '\\';
+            db->setDbPath(folder + "QInventur.mdb");
+            db->setOpenReadOnly(Value(std::int64_t{0}));
+            db->OpenDb();
+            result.inventurDb = std::move(db);
+        }))
+        return result;
+
+    // 9. The program folder.
+    settings.gstAppPfad = programFolder;
+
+    // 10. Quarn's building database; on Jet projects also the module's objects for the per-room query.
+    const std::string prefix = settings.tablePrefix();
+    if (!step([&] {
+            auto geb = std::make_unique<QGebDb>();
+            if (settings.isJet()) {
+                geb->Open(settings.gstAppPfad, settings.gstProjektPfad + "\\QGebaeude.mdb");
+                if (!prefix.empty())
+                    geb->OpenObjects(settings.gstProjektPfad + settings.objectDatabaseFile(), prefix);
+            } else {
+                geb->Open(settings.gstAppPfad, settings.gstConnectionString);
+                if (!prefix.empty())
+                    geb->OpenObjects(settings.gstConnectionString, prefix);
+            }
+            result.gebDb = std::move(geb);
+        }))
+        return result;
+
+    // 11. Quarn's object database of the module.
+    if (!prefix.empty()) {
+        if (!step([&] {
+                auto obj = std::make_unique<QObjektDb>();
+                obj->Open(settings.gstAppPfad, settings.isJet()
+                                                   ? settings.gstProjektPfad + settings.objectDatabaseFile()
+                                                   : settings.gstConnectionString);
+                obj->SetTablePrefix(prefix);
+                result.objektDb = std::move(obj);
+            }))
+            return result;
+    }
+
+    // 12. The per-order database object and the current order record are the main window's.
+    result.completed = true;
+    return result;
+}
+
+bool CheckDB_Reports(const Settings& settings)
+{
+    const ProfileService profile;
+    return CheckDB_Reports(settings, profile);
+}
+
+bool CheckDB_Reports(const Settings& settings, const ProfileService& profile)
+{
+    try {
+        const std::string tpl = settings.gstAppPfad + "\\Leeres Projekt\\";
+        const std::string& project = settings.gstProjektPfad;
+        if (profile.FileExists(project + "QInventur.mdb"))
+            return true;
+        if (!copyFile(tpl + "QInventur.mdb", project + "QInventur.mdb"))
+            return false;
+        if (!copyFile(tpl + "QAuftrag.mdb", project + "QAuftrag.mdb"))
+            return false;
+        for (const char* report : kReportFiles)
+            if (!copyFile(tpl + "Report\\" + report, project + "Report" + report))
+                return false;
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+} // namespace qi

@@ -1,0 +1,63 @@
+#pragma once
+// The program's start-up, run once when the main window loads: it finds Quarn's
+// current project from "Quarn.ini" in the program folder, reads "Projekt.ini"
+// there, seeds a new project from the template folder "Leeres Projekt", opens the
+// project's order register and Quarn's building and object data. The main window
+// shows the caption, keeps the objects and fills its order list afterwards.
+
+#include "CInventurDb.h"
+#include "ProfileFile.h"
+#include "QuarnHost.h"
+#include "Settings.h"
+#include "UserInteraction.h"
+
+#include <memory>
+#include <string>
+
+namespace qi {
+
+/// Messages of the start-up (critical icon, title "Problem").
+namespace startupmsg {
+inline constexpr const char* Title = "Problem";
+inline constexpr const char* ProjectNotFound = "Projekt nicht gefunden!";
+inline constexpr const char* NoConnectionString = "ConnectionString nicht gefunden!";
+inline constexpr const char* SeedingFailed =
+    "Die Datenbanken oder die Reports konnten nicht aus dem Verzeichnis Leeres Projekt kopiert werden!";
+/// Label of the common error message of an unexpected error.
+inline constexpr const char* ErrorLabel = "frmMain.Form_Load";
+} // namespace startupmsg
+
+/// What start-up leaves to the main window.
+struct StartupResult {
+    /// The window caption: "Aufträge im Projekt: '" + the raw "Projekt" value + "'".
+    std::string caption;
+    /// True when every step ran; false when start-up ended early (no register then).
+    bool completed = false;
+    /// The order register, opened on gstProjektPfad + "QInventur.mdb" (the open may have failed).
+    std::unique_ptr<CInventurDb> inventurDb;
+    /// Quarn's building database component (its objects opened for the module on Jet projects).
+    std::unique_ptr<QGebDb> gebDb;
+    /// Quarn's object component for the module.
+    std::unique_ptr<QObjektDb> objektDb;
+};
+
+/// Runs start-up for the program folder `programFolder` (no trailing separator) and fills `settings`.
+/// Messages go to `ui`; nothing is thrown.
+StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui);
+/// The same with a given profile service (tests use one that fails on purpose).
+StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
+                         const ProfileService& profile);
+
+/// Seeds the project folder from the template folder gstAppPfad + "\Leeres Projekt\" unless it already
+/// holds "QInventur.mdb": the register, "QAuftrag.mdb" and the eight report files, the latter copied to
+/// gstProjektPfad + "Report" + file name (so "Reportinvraum.rpt" ... in the project folder itself).
+/// False when a copy failed; the copying stops there and files already copied stay.
+bool CheckDB_Reports(const Settings& settings);
+/// The same with a given profile service.
+bool CheckDB_Reports(const Settings& settings, const ProfileService& profile);
+
+/// The report files of a project, in the order they are seeded.
+inline constexpr const char* kReportFiles[] = {"invraum.rpt", "invart.rpt", "invdiff.rpt", "invfehlend.rpt",
+                                               "invliste.rpt", "invneu.rpt", "invversch.rpt", "invausw.rpt"};
+
+} // namespace qi
