@@ -1,1 +1,29 @@
+#include "FileSystem.h"
 #include "TestSupport.h"
+
+using namespace qi;
+
+TEST(FileSystem, BackslashesMapToTheSeparator)
+{
+    test::TempDir dir;
+    const std::string sys = systemPath(dir.path());
+    ASSERT_TRUE(createFolder(sys + "\\Inventur"));
+    EXPECT_TRUE(folderExists(dir.path() + "/Inventur"));
+    test::writeFile(dir.file("Inventur/a.mdb"), "x");
+    EXPECT_TRUE(fileExists(sys + "\\Inventur\\a.mdb"));
+    EXPECT_TRUE(fileExists(dir.path() + "\\\\Inventur\\a.mdb")); // doubled separator is harmless
+    EXPECT_TRUE(copyFile(sys + "\\Inventur\\a.mdb", sys + "\\b.mdb"));
+    EXPECT_EQ(test::readFile(dir.file("b.mdb")), "x");
+    EXPECT_TRUE(removeFile(sys + "\\b.mdb"));
+    EXPECT_FALSE(fileExists(dir.file("b.mdb")));
+    EXPECT_EQ(countFiles(dir.path()), 0);
+    EXPECT_EQ(countFiles(dir.path() + "/nix"), -1);
+}
+
+TEST(FileSystem, NameAndFolderParts)
+{
+    EXPECT_EQ(fileNamePart("C:\\Projekt\\Inventur\\A7.mdb"), "A7.mdb");
+    EXPECT_EQ(folderPart("C:\\Projekt\\Inventur\\A7.mdb"), "C:\\Projekt\\Inventur\\");
+    EXPECT_EQ(fileNamePart("/tmp/x.dat"), "x.dat");
+    EXPECT_EQ(folderPart("x.dat"), "");
+}

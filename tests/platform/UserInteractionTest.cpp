@@ -1,1 +1,31 @@
-#include "TestSupport.h"
+#include "ScriptedUserInteraction.h"
+
+#include <gtest/gtest.h>
+
+using namespace qi;
+
+TEST(UserInteraction, CommonErrorMessage)
+{
+    ScriptedUserInteraction ui;
+    ui.showError("frmWork.GetDataFromDat", "Überlauf");
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "frmWork.GetDataFromDat\r\nÜberlauf");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(ui.messages[0].buttons, MsgButtons::Ok);
+    EXPECT_EQ(ui.messages[0].title, "QInventur");
+}
+
+TEST(UserInteraction, ScriptedAnswers)
+{
+    ScriptedUserInteraction ui;
+    ui.answers = {MsgResult::No};
+    EXPECT_FALSE(ui.askYesNo("Räume speichern?", "QInventur"));
+    EXPECT_TRUE(ui.askYesNo("Noch einmal?", "QInventur")); // unscripted: first button
+    EXPECT_EQ(ui.messages[0].buttons, MsgButtons::YesNo);
+    EXPECT_FALSE(ui.openFile({}).has_value());
+    ui.fileChoices = {std::string("/tmp/a.dat")};
+    EXPECT_EQ(ui.openFile({}).value(), "/tmp/a.dat");
+    ui.setBusy(true);
+    ui.setBusy(false);
+    EXPECT_EQ(ui.busyChanges, (std::vector<bool>{true, false}));
+}
