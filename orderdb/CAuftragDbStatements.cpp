@@ -2,34 +2,390 @@
 
 #include "JetSql.h"
 
+#include <cstdint>
+#include <memory>
+
+// The reconciliation of Soll and Ist data, the room status and the list statements.
+// Each statement is kept in its Jet form beside the SQLite text that is run; every
+// value (room, inventory or article number) is bound, never joined into the text.
+// Where the Jet form walks rows one by one, the SQLite form may do the same work in
+// one set-based statement; rows the engine would return in no defined order are taken
+// in the order they were stored (lID).
+
 namespace qi {
 
 namespace {
+
 constexpr JetSql kDelAllRaum{"DELETE * FROM T_Raum;", "DELETE FROM T_Raum"};
 constexpr JetSql kDelAllInvListe{"DELETE * FROM T_Invliste;", "DELETE FROM T_Invliste"};
 constexpr JetSql kDelAllDiffListe{"DELETE * FROM T_DifferenzListe;", "DELETE FROM T_Differenzliste"};
+
+// ------------------------------------------------------------ print order of the list
+
+// Each pass numbers its rows by description (ties in storage order), continuing the
+// counter of the passes before (?1). A row with both numbers empty belongs to passes
+// 2 and 3; pass 3 runs last, so its number stays.
+constexpr JetSql kDiffPass1{
+    R"jet(SELECT t_Differenzliste.*, t_Differenzliste.stSollInvNR, t_Differenzliste.stIstInvNR From t_Differenzliste Where (((t_Differenzliste.stSollInvNR) <> "") And  ((t_Differenzliste.stIstInvNR) <> "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
+    "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
+    "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stSollInvNR <> '' AND stIstInvNR <> '') AS p "
+    "WHERE T_Differenzliste.lID = p.lID"};
+constexpr JetSql kDiffPass2{
+    R"jet(SELECT t_Differenzliste.* From t_Differenzliste Where (((t_Differenzliste.stSollInvNR)  = "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
+    "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
+    "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stSollInvNR = '') AS p "
+    "WHERE T_Differenzliste.lID = p.lID"};
+constexpr JetSql kDiffPass3{
+    R"jet(SELECT t_Differenzliste.* From t_Differenzliste Where (((t_Differenzliste.stIstInvNR)  = "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
+    "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
+    "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stIstInvNR = '') AS p "
+    "WHERE T_Differenzliste.lID = p.lID"};
+// The counter runs on over all three passes; its last value, known before anything is written.
+constexpr std::string_view kDiffPassRows =
+    "SELECT (SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR <> '' AND stIstInvNR <> '') + "
+    "(SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR = '') + "
+    "(SELECT count(*) FROM T_Differenzliste WHERE stIstInvNR = '')";
+
+// ------------------------------------------------------------ lines of each room
+
+// The rooms met in the scans; in SQLite the largest number of lines of one room, which
+// is the last value the room's counter reaches.
+constexpr JetSql kScanRooms{
+    R"jet(SELECT T_DatInventur.stRaum From t_DatInventur GROUP BY t_DatInventur.stRaum;)jet",
+    "SELECT count(*) AS n FROM T_DatInventur GROUP BY stRaum ORDER BY n DESC LIMIT 1"};
+// The lines of every room numbered from 1, in storage order.
+constexpr JetSql kScanLinesOfRoom{
+    R"jet(SELECT t_DatInventur.iReihenfolge, t_DatInventur.stRaum, t_DatInventur.stInvNr From t_DatInventur WHERE t_DatInventur.stRaum=")jet"
+    R"jet(" + room + ")jet"
+    R"jet(";)jet",
+    "UPDATE T_DatInventur SET iReihenfolge = p.n FROM (SELECT lID, ROW_NUMBER() OVER "
+    "(PARTITION BY stRaum ORDER BY lID) AS n FROM T_DatInventur) AS p WHERE T_DatInventur.lID = p.lID"};
+
+// ------------------------------------------------------------ rooms
+
+constexpr JetSql kRaumVorhanden{
+    R"jet(SELECT T_DatInventur.stRaum From t_DatInventur WHERE t_DatInventur.stRaum=")jet"
+    R"jet(" + room + ")jet"
+    R"jet(";)jet",
+    "SELECT 1 FROM T_DatInventur WHERE stRaum = ?1 LIMIT 1"};
+constexpr JetSql kRaumImAuftrag{
+    R"jet(SELECT T_Raum.stRaumNr From T_Raum WHERE T_Raum.stRaumNr=")jet"
+    R"jet(" + room + ")jet"
+    R"jet(";)jet",
+    "SELECT 1 FROM T_Raum WHERE stRaumNr = ?1 LIMIT 1"};
+
+constexpr JetSql kMakeInvListbyRoom{
+    R"jet(INSERT INTO T_InvListe ( stRaumNr, stInvNR, iRFolge, stArtNr,Datum, Uhrzeit )SELECT DISTINCTROW t_DatInventur.stRaum, t_DatInventur.stInvNr, t_DatInventur.iReihenfolge, t_DatInventur.stArtNr, t_DatInventur.Datum, t_DatInventur.Uhrzeit From t_DatInventur GROUP BY t_DatInventur.stRaum, t_DatInventur.stInvNr, t_DatInventur.iReihenfolge, t_DatInventur.stInvNr, t_DatInventur.stArtNr, t_DatInventur.Datum, t_DatInventur.Uhrzeit HAVING (((t_DatInventur.stRaum)=")jet"
+    R"jet(" + room + ")jet"
+    R"jet("));)jet",
+    "INSERT INTO T_Invliste (stRaumNr, stInvNr, iRFolge, stArtNr, Datum, Uhrzeit) "
+    "SELECT stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit FROM T_DatInventur WHERE stRaum = ?1 "
+    "GROUP BY stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit ORDER BY min(lID)"};
+
+// Every room with scans takes the values of its first (date, data file) group.
+constexpr JetSql kStatusGroupsOfRoom{
+    R"jet(SELECT t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId, Count('S') as Sum  From t_DatInventur GROUP BY t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId HAVING (((t_DatInventur.stRaum)=")jet"
+    R"jet(" + stRaumNr + ")jet"
+    R"jet("));)jet",
+    "UPDATE T_Raum SET ststatus = 'E', Datum = g.Datum, lDatID = g.lDatID, iAnzahl = g.Sum FROM "
+    "(SELECT stRaum, Datum, lDatID, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum ORDER BY Datum, lDatID) AS k "
+    "FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur GROUP BY stRaum, Datum, lDatID)) AS g "
+    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum"};
+
+// Every room back to "N". The date is cleared twice and the time is left as it is.
+constexpr JetSql kResetStatusRooms{
+    R"jet(SELECT t_Raum.* From t_Raum ;)jet",
+    "UPDATE T_Raum SET ststatus = 'N', Datum = '', Datum = '', iAnzahl = 0, lDatID = 0"};
+
+// ------------------------------------------------------------ article tally
+
+constexpr std::string_view kArticles = "SELECT lID, stArtikel FROM T_Artikelliste ORDER BY lID";
+constexpr std::string_view kWriteIst = "UPDATE T_Artikelliste SET iAnzIst = ?2 WHERE lID = ?1";
+// The blank after the article number is part of the statement; the comparison ignores trailing blanks.
+constexpr JetSql kCountArtikelIst{
+    R"jet(SELECT Count(T_Artikelliste.iAnzIst) AS [AnzahlIst] FROM T_Artikelliste INNER JOIN T_DatInventur ON T_Artikelliste.stArtikel = T_DatInventur.stArtNr GROUP BY T_Artikelliste.stArtikel HAVING T_Artikelliste.stArtikel = ')jet"
+    R"jet(" + article + ")jet"
+    R"jet( ';)jet",
+    "SELECT count(a.iAnzIst) AS AnzahlIst FROM T_Artikelliste AS a JOIN T_DatInventur AS s "
+    "ON a.stArtikel = s.stArtNr WHERE a.stArtikel = ?1 || ' ' GROUP BY a.stArtikel"};
+
+// ------------------------------------------------------------ reconciliation
+
+constexpr JetSql kMakeIstInvOk{
+    R"jet(UPDATE T_DatInventur RIGHT JOIN (T_Raum RIGHT JOIN T_Differenzliste ON T_Raum.lID = T_Differenzliste.lRaumId) ON T_DatInventur.stInvNr = T_Differenzliste.stSollInvNR SET T_Differenzliste.stIstInvNR = [T_DatInventur].[stInvNr], T_Differenzliste.Datum = [T_DatInventur].[Datum], T_Differenzliste.Uhrzeit = [T_DatInventur].[Uhrzeit], T_Differenzliste.stTyp="1 OK" WHERE (([T_DatInventur]![stRaum]=[T_Raum]![stRaumNr]));)jet",
+    "UPDATE T_Differenzliste SET stIstInvNR = s.stInvNr, Datum = s.Datum, Uhrzeit = s.Uhrzeit, stTyp = '1 OK' "
+    "FROM T_Raum AS r, T_DatInventur AS s WHERE r.lID = T_Differenzliste.lRaumID "
+    "AND s.stInvNr = T_Differenzliste.stSollInvNR AND s.stRaum = r.stRaumNr"};
+
+// "Not In" over the joined column: no difference row carries the number as its Ist number.
+constexpr JetSql kMakeIstScanExtra{
+    R"jet(INSERT INTO T_Differenzliste ( stIstInvNR, lRaumId, Datum, Uhrzeit,stTyp ) SELECT T_DatInventur.stInvNr, T_Raum.lId,T_DatInventur.Datum, T_DatInventur.Uhrzeit, "2b Zuviel im Auftrag (gehört in einen Raum außerhalb des Auftrags)" FROM (T_DatInventur LEFT JOIN T_Differenzliste ON T_DatInventur.stInvNr = T_Differenzliste.stIstInvNR) INNER JOIN T_Raum ON T_DatInventur.stRaum = T_Raum.stRaumNr WHERE (((T_DatInventur.stInvNr) Not In ([T_Differenzliste]![stIstInvNR])));)jet",
+    "INSERT INTO T_Differenzliste (stIstInvNR, lRaumID, Datum, Uhrzeit, stTyp) "
+    "SELECT s.stInvNr, r.lID, s.Datum, s.Uhrzeit, '2b Zuviel im Auftrag (gehört in einen Raum außerhalb des Auftrags)' "
+    "FROM T_DatInventur AS s JOIN T_Raum AS r ON s.stRaum = r.stRaumNr "
+    "WHERE NOT EXISTS (SELECT 1 FROM T_Differenzliste AS d WHERE d.stIstInvNR = s.stInvNr) ORDER BY s.lID, r.lID"};
+
+// A Soll row still without Ist whose object was scanned anywhere.
+constexpr JetSql kGefundenZiel{
+    R"jet(UPDATE T_DatInventur INNER JOIN T_Differenzliste ON T_DatInventur.stInvNr = T_Differenzliste.stSollInvNR SET T_Differenzliste.stZiel = [T_DatInventur].[stRaum], T_Differenzliste.Datum = [T_DatInventur].[Datum], T_Differenzliste.Uhrzeit = [T_DatInventur].[Uhrzeit], [T_Differenzliste].[stTyp] ="3a Fehlt im Raum (verschoben in anderen Raum des Auftrags)" WHERE (((T_Differenzliste.stIstInvNR)=""));)jet",
+    "UPDATE T_Differenzliste SET stZiel = s.stRaum, Datum = s.Datum, Uhrzeit = s.Uhrzeit, "
+    "stTyp = '3a Fehlt im Raum (verschoben in anderen Raum des Auftrags)' FROM T_DatInventur AS s "
+    "WHERE s.stInvNr = T_Differenzliste.stSollInvNR AND T_Differenzliste.stIstInvNR = ''"};
+// The row whose Ist number is the Soll number of a row with a target room takes that
+// row's room. Of several such rows the one stored last wins. No rows are added.
+constexpr JetSql kGefundenQuelle{
+    R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuelle =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
+    "UPDATE T_Differenzliste SET stQuelle = (SELECT r.stRaumNr FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "ON r.lID = d.lRaumID WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '' "
+    "ORDER BY d.lID DESC LIMIT 1), stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
+    "WHERE EXISTS (SELECT 1 FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
+    "WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '')"};
+constexpr JetSql kGefundenQuarn{
+    R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuarn =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
+    "UPDATE T_Differenzliste SET stQuarn = (SELECT r.stRaumNr FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "ON r.lID = d.lRaumID WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '' "
+    "ORDER BY d.lID DESC LIMIT 1), stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
+    "WHERE EXISTS (SELECT 1 FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
+    "WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '')"};
+// stQuarn keeps only rooms outside the order.
+constexpr JetSql kGefundenQuarnLeeren{
+    R"jet(UPDATE t_Differenzliste INNER JOIN t_Raum ON t_Differenzliste.stQuarn = t_Raum.stRaumNr SET t_Differenzliste.stQuarn = "";)jet",
+    "UPDATE T_Differenzliste SET stQuarn = '' "
+    "WHERE EXISTS (SELECT 1 FROM T_Raum AS r WHERE r.stRaumNr = T_Differenzliste.stQuarn)"};
+
+// Ist-only rows in storage order; the walk ends at the first one without an Ist number.
+constexpr JetSql kRaumSollRows{
+    R"jet(SELECT T_Differenzliste.stIstInvNR, T_Differenzliste.stSollInvNR, T_Differenzliste.stZiel From T_Differenzliste WHERE (((T_Differenzliste.stSollInvNR)=""));)jet",
+    "SELECT lID, stIstInvNR FROM T_Differenzliste WHERE stSollInvNR = '' ORDER BY lID"};
+// The room of the first Soll row expecting the number.
+constexpr JetSql kRaumSollOfNumber{
+    R"jet(SELECT T_Differenzliste.stSollInvNR, T_Raum.stRaumNr  FROM T_Raum LEFT JOIN T_Differenzliste ON T_Raum.lID = T_Differenzliste.lRaumId WHERE (((T_Differenzliste.stSollInvNR)=")jet"
+    R"jet(" + stIstInvNR + ")jet"
+    R"jet("));)jet",
+    "SELECT r.stRaumNr FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
+    "WHERE d.stSollInvNR = ?1 ORDER BY d.lID LIMIT 1"};
+constexpr std::string_view kSetZiel = "UPDATE T_Differenzliste SET stZiel = ?2 WHERE lID = ?1";
+
+// ------------------------------------------------------------ error lists
+
+constexpr JetSql kMakeListNeu{
+    R"jet(DELETE T_Differenzliste.*, T_Differenzliste.stZiel, T_Differenzliste.stSollInvNR From T_Differenzliste WHERE (((T_Differenzliste.stSollInvNR)<>"")) OR (((T_Differenzliste.stQuelle)<>"")) OR (((T_Differenzliste.stIstInvNR)=""));)jet",
+    "DELETE FROM T_Differenzliste WHERE stSollInvNR <> '' OR stQuelle <> '' OR stIstInvNR = ''"};
+constexpr JetSql kMakeListVerschoben{
+    R"jet(DELETE T_Differenzliste.*, T_Differenzliste.stZiel, T_Differenzliste.stSollInvNR From T_Differenzliste WHERE (((T_Differenzliste.stZiel)="")) OR (((T_Differenzliste.stsollInvNR)=""));)jet",
+    "DELETE FROM T_Differenzliste WHERE stZiel = '' OR stSollInvNR = ''"};
+constexpr JetSql kMakeListFehlend{
+    R"jet(DELETE T_Differenzliste.*, T_Differenzliste.stTyp From T_Differenzliste WHERE (((T_Differenzliste.stTyp)<>"3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.")))jet",
+    "DELETE FROM T_Differenzliste WHERE stTyp <> "
+    "'3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.'"};
+
+/// The engine's answer when a statement is sent without an open database.
+constexpr const char* kNoDatabase = "Objektvariable oder With-Blockvariable nicht festgelegt";
+
+/// Runs `body`; an error of the engine (or a missing database) goes to `onError` with its description.
+template <class Body, class OnError>
+bool guarded(Body&& body, OnError&& onError)
+{
+    try {
+        return body();
+    } catch (const NoDatabase&) {
+        return onError(std::string(kNoDatabase));
+    } catch (const DbError& e) {
+        return onError(e.description());
+    } catch (const std::exception& e) {
+        return onError(std::string(e.what()));
+    }
+}
+
 } // namespace
 
 bool CAuftragDb::DelAllRaumRec() { return executeDelete(kDelAllRaum.sqlite); }
 bool CAuftragDb::DelAllInvListe() { return executeDelete(kDelAllInvListe.sqlite); }
 bool CAuftragDb::DelAllDiffListe() { return executeDelete(kDelAllDiffListe.sqlite); }
 
-// The remaining statements follow in this file.
-bool CAuftragDb::WriteReihenfolgeDiffListe() { return problem("WriteReihenfolgeDiffListe"); }
-bool CAuftragDb::WriteReihenfolgeDatInventur() { return problem("WriteReihenfolgeDatInventur"); }
-bool CAuftragDb::RaumVorhanden(const std::string&) { return problem("RaumVorhanden"); }
-bool CAuftragDb::RaumImAuftrag(const std::string&) { return problem("RaumImAuftrag"); }
-bool CAuftragDb::MakeInvListbyRoom(const std::string&) { return problem("MakeInvListbyRoom"); }
-bool CAuftragDb::SetStatusRoomsByDB() { return problem("SetStatusRoomsByDB"); }
-bool CAuftragDb::ResetStatusRooms() { return problem("ResetStatusRooms"); }
-bool CAuftragDb::MakeIstInvOk() { return problem("MakeIstInvOk"); }
-bool CAuftragDb::MakeIstScanExtra() { return problem("MakeIstScanExtra"); }
-bool CAuftragDb::GetRaumGefunden() { return problem("GetRaumGefunden"); }
-bool CAuftragDb::GetRaumSoll() { return problem("GetRaumSoll"); }
-bool CAuftragDb::WriteIst() { return problem("WriteIst"); }
-bool CAuftragDb::CountArtikelIst(const std::string&, std::int16_t&) { return problem("CountArtikelIst"); }
-bool CAuftragDb::MakeListNeu() { return problem("MakeListNeu"); }
-bool CAuftragDb::MakeListVerschoben() { return problem("MakeListVerschoben"); }
-bool CAuftragDb::MakeListFehlend() { return problem("MakeListFehlend"); }
+bool CAuftragDb::WriteReihenfolgeDiffListe()
+{
+    begin();
+    return guarded(
+        [&] {
+            Database& d = db();
+            // The 16-bit counter must not pass its range: checked before anything is written.
+            checkedInt16(toLong(d.scalar(kDiffPassRows)));
+            Database::Transaction tx(d);
+            std::int64_t counter = d.execute(kDiffPass1.sqlite, {std::int64_t{0}});
+            counter += d.execute(kDiffPass2.sqlite, {counter});
+            d.execute(kDiffPass3.sqlite, {counter});
+            tx.commit();
+            return true;
+        },
+        [&](const std::string& description) {
+            ui_.messageBox("CAuftragDb.WriteReihenfolgeDiffListe\r\n" + description, MsgButtons::Ok,
+                           MsgIcon::Critical, kProgramName);
+            return false;
+        });
+}
+
+bool CAuftragDb::WriteReihenfolgeDatInventur()
+{
+    begin();
+    return guarded(
+        [&] {
+            Database& d = db();
+            // A room with more lines than the 16-bit counter reaches fails before anything is written.
+            checkedInt16(toLong(d.scalar(kScanRooms.sqlite)));
+            d.execute(kScanLinesOfRoom.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::RaumVorhanden(const std::string& room)
+{
+    begin();
+    return guarded([&] { return !db().query(kRaumVorhanden.sqlite, {room}).empty(); },
+                   [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::RaumImAuftrag(const std::string& room)
+{
+    begin();
+    return guarded([&] { return !db().query(kRaumImAuftrag.sqlite, {room}).empty(); },
+                   [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::MakeInvListbyRoom(const std::string& room)
+{
+    begin();
+    return guarded(
+        [&] {
+            db().execute(kMakeInvListbyRoom.sqlite, {room});
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::SetStatusRoomsByDB()
+{
+    begin();
+    return guarded(
+        [&] {
+            db().execute(kStatusGroupsOfRoom.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::ResetStatusRooms()
+{
+    begin();
+    return guarded(
+        [&] {
+            db().execute(kResetStatusRooms.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::MakeIstInvOk()
+{
+    begin();
+    return guarded(
+        [&] {
+            db().execute(kMakeIstInvOk.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::MakeIstScanExtra()
+{
+    begin();
+    return guarded(
+        [&] {
+            db().execute(kMakeIstScanExtra.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::GetRaumGefunden()
+{
+    begin();
+    // Each statement stands on its own: those before a failing one stay applied.
+    return guarded(
+        [&] {
+            Database& d = db();
+            d.execute(kGefundenZiel.sqlite);
+            d.execute(kGefundenQuelle.sqlite);
+            d.execute(kGefundenQuarn.sqlite);
+            d.execute(kGefundenQuarnLeeren.sqlite);
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::GetRaumSoll()
+{
+    begin();
+    return guarded(
+        [&] {
+            Database& d = db();
+            Database::Transaction tx(d);
+            Recordset rows = d.query(kRaumSollRows.sqlite);
+            for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
+                const std::string ist = toText(rows.field("stIstInvNR"));
+                if (ist.empty())
+                    break;
+                const Value room = d.scalar(kRaumSollOfNumber.sqlite, {ist});
+                if (!isNull(room))
+                    d.execute(kSetZiel, {rows.field("lID"), room});
+            }
+            tx.commit();
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::WriteIst()
+{
+    begin();
+    std::unique_ptr<Database::Transaction> tx;
+    return guarded(
+        [&] {
+            Database& d = db();
+            tx = std::make_unique<Database::Transaction>(d);
+            Recordset articles = d.query(kArticles);
+            for (articles.moveFirst(); !articles.eof(); articles.moveNext()) {
+                // An article whose count fails has reported it and keeps the counter's 0.
+                std::int16_t counter = 0;
+                CountArtikelIst(toText(articles.field("stArtikel")), counter);
+                d.execute(kWriteIst, {articles.field("lID"), std::int64_t{counter}});
+            }
+            tx->commit();
+            return true;
+        },
+        [&](const std::string& description) {
+            // Articles already counted stay counted.
+            if (tx)
+                tx->commit();
+            return problem(description);
+        });
+}
+
+bool CAuftragDb::CountArtikelIst(const std::string& article, std::int16_t& counter)
+{
+    return guarded(
+        [&] {
+            const Recordset rs = db().query(kCountArtikelIst.sqlite, {article});
+            if (!rs.empty())
+                counter = toInt16(rs.field("AnzahlIst"));
+            return true;
+        },
+        [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::MakeListNeu() { return executeDelete(kMakeListNeu.sqlite); }
+bool CAuftragDb::MakeListVerschoben() { return executeDelete(kMakeListVerschoben.sqlite); }
+bool CAuftragDb::MakeListFehlend() { return executeDelete(kMakeListFehlend.sqlite); }
 
 } // namespace qi

@@ -18,6 +18,7 @@ void createOrderSchema(Database& db)
         "CREATE TABLE T_Artikelliste (lID " + AutoNumber + ", stArtikel " + t + ", iAnzSoll " +
         integer("iAnzSoll") + ", iAnzIst " + integer("iAnzIst") + ", stBeschreibung " + t + ", stAuftrag " + t +
         ");\n"
+        "CREATE INDEX T_Artikelliste_stArtikel ON T_Artikelliste (stArtikel);\n"
 
         "CREATE TABLE T_Dateien (lID " + AutoNumber + ", stName " + t + ", Datum " + t + ", stPfad " + t + ");\n"
         "CREATE UNIQUE INDEX T_Dateien_stName ON T_Dateien (stName);\n"
