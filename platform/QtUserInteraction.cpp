@@ -3,10 +3,17 @@
 #include "FileSystem.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
+#include <QProcess>
+#include <QProgressDialog>
+#include <QPointer>
 #include <QPushButton>
 #include <QStringList>
+#include <QTextBrowser>
+#include <QUrl>
 
 namespace qi {
 
@@ -95,5 +102,83 @@ void QtUserInteraction::setBusy(bool busy)
 }
 
 void QtUserInteraction::processEvents() { QApplication::processEvents(); }
+
+void QtUserInteraction::showHelp(const std::string& helpFile)
+{
+    // One help window for the whole program, like the system's help viewer.
+    static QPointer<QTextBrowser> window;
+    if (!window) {
+        window = new QTextBrowser(parent_);
+        window->setWindowFlag(Qt::Window);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->setOpenExternalLinks(true);
+        window->setWindowTitle(QStringLiteral("QInventur - Hilfe"));
+        window->resize(720, 560);
+    }
+    const QString file = QString::fromStdString(nativePath(helpFile));
+    window->setSearchPaths({QFileInfo(file).absolutePath()});
+    window->setSource(QUrl::fromLocalFile(file));
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+bool QtUserInteraction::resolveConflict(const ConflictInfo& info)
+{
+    if (!conflictDialog_)
+        return false;
+    // The busy pointer would hide that the dialog waits for a choice.
+    const bool wasBusy = busyDepth_ > 0;
+    if (wasBusy)
+        QApplication::setOverrideCursor(Qt::ArrowCursor);
+    const bool verwerfen = conflictDialog_(parent_, info);
+    if (wasBusy)
+        QApplication::restoreOverrideCursor();
+    return verwerfen;
+}
+
+void QtUserInteraction::openInEditor(const std::string& path)
+{
+    const QString file = QString::fromStdString(nativePath(path));
+#ifdef Q_OS_WIN
+    QProcess::startDetached(QStringLiteral("notepad.exe"), {file});
+#else
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
+        QProcess::startDetached(QStringLiteral("xdg-open"), {file});
+#endif
+    QApplication::processEvents();
+}
+
+void QtUserInteraction::beginProgress(const std::string& title)
+{
+    if (progressDepth_++ > 0)
+        return;
+    progress_ = new QProgressDialog(parent_);
+    progress_->setWindowTitle(QString::fromStdString(title));
+    progress_->setCancelButton(nullptr);
+    progress_->setRange(0, 0);
+    progress_->setWindowModality(Qt::WindowModal);
+    progress_->setAutoClose(false);
+    progress_->setAutoReset(false);
+}
+
+void QtUserInteraction::reportProgress(const std::string& fileName, std::int64_t linesRead)
+{
+    if (!progress_)
+        return;
+    progress_->setLabelText(QString::fromStdString(fileName) + QStringLiteral("\n") +
+                            QString::number(linesRead) + QStringLiteral(" Zeilen gelesen"));
+    if (!progress_->isVisible())
+        progress_->show();
+    QApplication::processEvents();
+}
+
+void QtUserInteraction::endProgress()
+{
+    if (progressDepth_ == 0 || --progressDepth_ > 0)
+        return;
+    delete progress_;
+    progress_ = nullptr;
+}
 
 } // namespace qi

@@ -3,6 +3,9 @@
 
 #include "UserInteraction.h"
 
+#include <functional>
+
+class QProgressDialog;
 class QWidget;
 
 namespace qi {
@@ -18,10 +21,26 @@ public:
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override;
+    /// Opens (or raises) the help window with the help file's contents page.
+    void showHelp(const std::string& helpFile) override;
+    /// Shows the dialog plugged in with setConflictDialog; without one the first scan is kept.
+    bool resolveConflict(const ConflictInfo& info) override;
+    void openInEditor(const std::string& path) override;
+    void beginProgress(const std::string& title) override;
+    void reportProgress(const std::string& fileName, std::int64_t linesRead) override;
+    void endProgress() override;
+
+    /// Shows the conflict dialog modally over `parent` and returns its bVerwerfen.
+    using ConflictDialog = std::function<bool(QWidget* parent, const ConflictInfo&)>;
+    /// Plugs in the conflict dialog (it lives with the order work windows).
+    void setConflictDialog(ConflictDialog dialog) { conflictDialog_ = std::move(dialog); }
 
 private:
     QWidget* parent_;
     int busyDepth_ = 0;
+    ConflictDialog conflictDialog_;
+    QProgressDialog* progress_ = nullptr;
+    int progressDepth_ = 0;
 };
 
 } // namespace qi

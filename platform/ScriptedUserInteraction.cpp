@@ -24,6 +24,16 @@ std::optional<std::string> ScriptedUserInteraction::openFile(const FileDialogReq
     return r;
 }
 
+bool ScriptedUserInteraction::resolveConflict(const ConflictInfo& info)
+{
+    conflicts.push_back(info);
+    if (conflictAnswers.empty())
+        return false;
+    const bool r = conflictAnswers.front();
+    conflictAnswers.pop_front();
+    return r;
+}
+
 void ScriptedUserInteraction::setBusy(bool b)
 {
     busy = b;

@@ -6,6 +6,7 @@
 #include "UserInteraction.h"
 
 #include <deque>
+#include <utility>
 
 namespace qi {
 
@@ -23,10 +24,21 @@ public:
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override { ++eventsProcessed; }
+    void showHelp(const std::string& helpFile) override { helpFiles.push_back(helpFile); }
+    bool resolveConflict(const ConflictInfo& info) override;
+    void openInEditor(const std::string& path) override { editorPaths.push_back(path); }
+    void beginProgress(const std::string& title) override { progressTitles.push_back(title); ++progressDepth; }
+    void reportProgress(const std::string& fileName, std::int64_t linesRead) override
+    {
+        progressReports.push_back({fileName, linesRead});
+    }
+    void endProgress() override { --progressDepth; ++progressEnded; }
 
     // Script
     std::deque<MsgResult> answers;
     std::deque<std::optional<std::string>> fileChoices;
+    /// Answers of the conflict dialog (bVerwerfen); without one the first scan is kept.
+    std::deque<bool> conflictAnswers;
 
     // Record
     std::vector<RecordedMessage> messages;
@@ -34,6 +46,14 @@ public:
     std::vector<bool> busyChanges;
     bool busy = false;
     int eventsProcessed = 0;
+    /// Help files shown through showHelp, in call order.
+    std::vector<std::string> helpFiles;
+    std::vector<ConflictInfo> conflicts;
+    std::vector<std::string> editorPaths;
+    std::vector<std::string> progressTitles;
+    std::vector<std::pair<std::string, std::int64_t>> progressReports;
+    int progressDepth = 0;
+    int progressEnded = 0;
 };
 
 } // namespace qi

@@ -4,6 +4,7 @@
 // events run. The program uses the Qt implementation (QtUserInteraction); tests
 // use ScriptedUserInteraction, which records each call and answers from a script.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,19 @@ struct FileDialogRequest {
     int filterIndex = 1;
 };
 
+/// What the conflict dialog shows when one inventory number was scanned in two rooms.
+struct ConflictInfo {
+    std::string stInvNr;    ///< inventory number of the new line
+    std::string stArtNr;    ///< article number of the new line
+    std::string stArtName;  ///< article name of the new line
+    std::string stRaumAlt;  ///< room of the stored (first) scan
+    std::string stDateiAlt; ///< data file name of the first scan
+    std::string stDatumAlt; ///< date of the first scan
+    std::string stRaumNeu;  ///< room of the new (second) scan
+    std::string stDateiNeu; ///< data file name of the second scan
+    std::string stDatumNeu; ///< date of the second scan
+};
+
 class UserInteraction {
 public:
     virtual ~UserInteraction() = default;
@@ -39,6 +53,20 @@ public:
     virtual void setBusy(bool busy) = 0;
     /// Lets pending window events run.
     virtual void processEvents() = 0;
+
+    /// The conflict dialog for an object scanned in two rooms, shown modally.
+    /// True (bVerwerfen) when the second scan replaces the first; false keeps the first.
+    virtual bool resolveConflict(const ConflictInfo& info) = 0;
+    /// Opens a text file in the system's text editor without waiting for it.
+    virtual void openInEditor(const std::string& path) = 0;
+    /// Progress of a long reading step: begins with a title, reports the file and the
+    /// lines read so far (keeping the window responsive), and ends.
+    virtual void beginProgress(const std::string& title) = 0;
+    virtual void reportProgress(const std::string& fileName, std::int64_t linesRead) = 0;
+    virtual void endProgress() = 0;
+
+    /// Shows the contents page of a help file in a help window (the system help call).
+    virtual void showHelp(const std::string& helpFile) = 0;
 
     /// The common error message: label, line break, description; critical icon, program name as title.
     void showError(const std::string& label, const std::string& description);

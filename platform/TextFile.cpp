@@ -1,0 +1,218 @@
+#include "TextFile.h"
+
+#include "DbError.h"
+#include "FileSystem.h"
+
+#include <array>
+#include <unordered_map>
+
+namespace qi {
+
+namespace {
+
+constexpr int kFileNotFound = 53;
+constexpr int kPathFileAccess = 75;
+constexpr int kPathNotFound = 76;
+
+constexpr std::size_t kChunk = 64 * 1024;
+
+/// Code points of the bytes 0x80..0x9F; the unassigned ones keep their own number.
+constexpr std::array<char32_t, 32> kHigh{
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+void appendUtf8(std::string& out, char32_t c)
+{
+    if (c < 0x80) {
+        out += char(c);
+    } else if (c < 0x800) {
+        out += char(0xC0 | (c >> 6));
+        out += char(0x80 | (c & 0x3F));
+    } else {
+        out += char(0xE0 | (c >> 12));
+        out += char(0x80 | ((c >> 6) & 0x3F));
+        out += char(0x80 | (c & 0x3F));
+    }
+}
+
+/// Byte of Windows-1252 for a code point, or 0 when the code page lacks it.
+unsigned char toByte(char32_t c)
+{
+    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF))
+        return static_cast<unsigned char>(c);
+    static const std::unordered_map<char32_t, unsigned char> high = [] {
+        std::unordered_map<char32_t, unsigned char> m;
+        for (std::size_t i = 0; i < kHigh.size(); ++i)
+            m.emplace(kHigh[i], static_cast<unsigned char>(0x80 + i));
+        return m;
+    }();
+    const auto it = high.find(c);
+    return it == high.end() ? 0 : it->second;
+}
+
+} // namespace
+
+std::string fromWindows1252(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size() + bytes.size() / 8);
+    for (const char ch : bytes) {
+        const auto b = static_cast<unsigned char>(ch);
+        if (b < 0x80)
+            out += ch;
+        else if (b < 0xA0)
+            appendUtf8(out, kHigh[b - 0x80]);
+        else
+            appendUtf8(out, b);
+    }
+    return out;
+}
+
+std::string toWindows1252(std::string_view utf8)
+{
+    std::string out;
+    out.reserve(utf8.size());
+    std::size_t i = 0;
+    while (i < utf8.size()) {
+        const auto b = static_cast<unsigned char>(utf8[i]);
+        if (b < 0x80) {
+            out += char(b);
+            ++i;
+            continue;
+        }
+        int len = 0;
+        char32_t c = 0;
+        if ((b & 0xE0) == 0xC0) {
+            len = 2;
+            c = b & 0x1F;
+        } else if ((b & 0xF0) == 0xE0) {
+            len = 3;
+            c = b & 0x0F;
+        } else if ((b & 0xF8) == 0xF0) {
+            len = 4;
+            c = b & 0x07;
+        }
+        bool valid = len > 0 && i + std::size_t(len) <= utf8.size();
+        for (int k = 1; valid && k < len; ++k) {
+            const auto cont = static_cast<unsigned char>(utf8[i + std::size_t(k)]);
+            if ((cont & 0xC0) != 0x80)
+                valid = false;
+            else
+                c = (c << 6) | (cont & 0x3F);
+        }
+        if (!valid) {
+            out += '?';
+            ++i;
+            continue;
+        }
+        const unsigned char byte = toByte(c);
+        out += byte ? char(byte) : '?';
+        i += std::size_t(len);
+    }
+    return out;
+}
+
+// ---------------------------------------------------------------- reader
+
+TextFileReader::TextFileReader(const std::string& path)
+{
+    file_ = std::fopen(nativePath(path).c_str(), "rb");
+    if (!file_)
+        throw DbError(kFileNotFound, "Datei nicht gefunden");
+}
+
+TextFileReader::~TextFileReader()
+{
+    if (file_)
+        std::fclose(file_);
+}
+
+bool TextFileReader::fill()
+{
+    if (eof_)
+        return false;
+    buffer_.erase(0, pos_);
+    pos_ = 0;
+    const std::size_t old = buffer_.size();
+    buffer_.resize(old + kChunk);
+    const std::size_t got = std::fread(buffer_.data() + old, 1, kChunk, file_);
+    buffer_.resize(old + got);
+    if (got < kChunk) {
+        if (std::ferror(file_))
+            throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+        eof_ = true;
+    }
+    return got > 0;
+}
+
+bool TextFileReader::readLine(std::string& line)
+{
+    raw_.clear();
+    bool any = false;
+    for (;;) {
+        if (pos_ >= buffer_.size() && !fill()) {
+            if (!any)
+                return false;
+            break;
+        }
+        any = true;
+        const char* begin = buffer_.data() + pos_;
+        const std::size_t avail = buffer_.size() - pos_;
+        std::size_t n = 0;
+        while (n < avail && begin[n] != '\n' && begin[n] != '\r')
+            ++n;
+        raw_.append(begin, n);
+        pos_ += n;
+        if (n == avail)
+            continue; // the line goes on in the next chunk
+        const char end = buffer_[pos_++];
+        if (end == '\r') {
+            if (pos_ >= buffer_.size())
+                fill();
+            if (pos_ < buffer_.size() && buffer_[pos_] == '\n')
+                ++pos_;
+        }
+        break;
+    }
+    line = fromWindows1252(raw_);
+    ++lines_;
+    return true;
+}
+
+// ---------------------------------------------------------------- writer
+
+TextFileWriter::TextFileWriter(const std::string& path)
+{
+    file_ = std::fopen(nativePath(path).c_str(), "wb");
+    if (!file_)
+        throw DbError(kPathNotFound, "Pfad nicht gefunden");
+}
+
+TextFileWriter::~TextFileWriter()
+{
+    if (file_)
+        std::fclose(file_);
+}
+
+void TextFileWriter::writeLine(std::string_view utf8)
+{
+    if (!file_)
+        throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+    std::string bytes = toWindows1252(utf8);
+    bytes += "\r\n";
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
+        throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+}
+
+void TextFileWriter::close()
+{
+    if (!file_)
+        return;
+    const int rc = std::fclose(file_);
+    file_ = nullptr;
+    if (rc != 0)
+        throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+}
+
+} // namespace qi

@@ -1,0 +1,65 @@
+#pragma once
+// Plain text files in the system's single-byte code page (Windows-1252), as the
+// scanner data files and the archive of scan data use it. Text in the program is
+// UTF-8; the reader converts each line, the writer converts back.
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace qi {
+
+/// Windows-1252 bytes as UTF-8. Never fails: the five bytes that the code page
+/// leaves unassigned become the control characters of the same number.
+std::string fromWindows1252(std::string_view bytes);
+/// UTF-8 text as Windows-1252 bytes; a character the code page lacks (or an
+/// invalid UTF-8 sequence) becomes "?".
+std::string toWindows1252(std::string_view utf8);
+
+/// Reads a text file line by line. A line ends at CR LF, at LF or at a lone CR;
+/// a last line without end counts. Any byte is accepted; lines may be of any length.
+/// The file is closed when the reader goes away.
+class TextFileReader {
+public:
+    /// Opens the file; DbError 53 "Datei nicht gefunden" when it can't be opened.
+    explicit TextFileReader(const std::string& path);
+    ~TextFileReader();
+    TextFileReader(const TextFileReader&) = delete;
+    TextFileReader& operator=(const TextFileReader&) = delete;
+
+    /// The next line as UTF-8 without its end; false at the end of the file.
+    bool readLine(std::string& line);
+    /// Lines handed out so far.
+    std::int64_t linesRead() const { return lines_; }
+
+private:
+    bool fill();
+    std::FILE* file_ = nullptr;
+    std::string buffer_;
+    std::size_t pos_ = 0;
+    bool eof_ = false;
+    std::int64_t lines_ = 0;
+    std::string raw_;
+};
+
+/// Writes a text file anew (an existing one is replaced), line by line with CR LF,
+/// converting to Windows-1252. Closed when the writer goes away.
+class TextFileWriter {
+public:
+    /// Creates the file; DbError 76 "Pfad nicht gefunden" when it can't be created.
+    explicit TextFileWriter(const std::string& path);
+    ~TextFileWriter();
+    TextFileWriter(const TextFileWriter&) = delete;
+    TextFileWriter& operator=(const TextFileWriter&) = delete;
+
+    /// Writes the text and CR LF; DbError 75 on a write failure.
+    void writeLine(std::string_view utf8);
+    /// Flushes and closes; DbError 75 when that fails. Called by the destructor otherwise.
+    void close();
+
+private:
+    std::FILE* file_ = nullptr;
+};
+
+} // namespace qi
