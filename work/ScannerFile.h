@@ -1,0 +1,53 @@
+#pragma once
+// The scanner data file (*.dat): one record per line, fields separated by a
+// comma, no quoting. A line is a record only with at least 8 fields; shorter
+// lines are skipped by every reader. Fields after the eighth are ignored.
+
+#include "TextFile.h"
+
+#include <cstdint>
+#include <string>
+
+namespace qi {
+
+/// Fields a line needs to be a record.
+inline constexpr int kScanFieldCount = 8;
+
+/// The room number as every comparison uses it: leading "0" characters removed
+/// one by one, then blanks trimmed (so " 012" stays "012", "000" becomes "").
+std::string normaliseRoom(const std::string& field);
+/// Blanks removed at both ends (tabs and other characters stay).
+std::string trimBlanks(const std::string& text);
+
+/// The eight fields of one record as read (nothing trimmed or normalised).
+struct ScanRecord {
+    std::string stMitarbNr;   ///< field 1
+    std::string stAuftragsNr; ///< field 2
+    std::string Datum;        ///< field 3
+    std::string Uhrzeit;      ///< field 4
+    std::string stRaum;       ///< field 5, as read; see normaliseRoom
+    std::string stInvNr;      ///< field 6, as read
+    std::string stArtNr;      ///< field 7, as read
+    std::string stTaet;       ///< field 8
+};
+
+/// Reads the records of a scanner data file (Windows-1252 text) from the start.
+/// The file is closed when the reader goes away.
+class ScannerFile {
+public:
+    /// Opens the file; DbError 53 when it can't be opened.
+    explicit ScannerFile(const std::string& path) : reader_(path) {}
+    /// The next record, skipping lines with fewer than 8 fields; false at the end.
+    /// DbError 6 "Überlauf" for a line of more than 32767 fields.
+    bool next(ScanRecord& record);
+    /// The next raw line without any check (for the date of a data file); false at the end.
+    bool nextLine(std::string& line) { return reader_.readLine(line); }
+    /// Lines read so far, records and skipped lines alike.
+    std::int64_t linesRead() const { return reader_.linesRead(); }
+
+private:
+    TextFileReader reader_;
+    std::string line_;
+};
+
+} // namespace qi

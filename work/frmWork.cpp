@@ -1,0 +1,500 @@
+#include "frmWork.h"
+
+#include "FileSystem.h"
+#include "QuarnHost.h"
+#include "ScannerFile.h"
+#include "TextFile.h"
+#include "bGeneral.h"
+
+#include <optional>
+#include <stdexcept>
+#include <unordered_set>
+
+namespace qi {
+
+namespace {
+
+constexpr const char* kTitle = "Quarn-Inventur";
+constexpr const char* kProgressTitle = "Scannerdaten werden eingelesen";
+
+constexpr const char* kOhneNr = "Obj. ohne Nr.";
+constexpr const char* kKeinRaum = "Zuerst müssen Räume ausgewählt werden!";
+constexpr const char* kRaeumeNichtInAuftrag =
+    "In der Datei sind Räume enthalten, die nicht zum Auftrag gehören. Bearbeiten Sie bitte die Textdatei.";
+constexpr const char* kVerschiedeneTage =
+    "In der Datei sind Daten an verschiedenen Tagen aufgenommen worden. Bearbeiten Sie bitte die Textdatei.";
+constexpr const char* kRaeumeVorhanden = "In der Datei sind Daten von Räumen, die bereits eingelesen wurden.";
+constexpr const char* kSchonHinzugefuegt = "Datei dieses Namens wurde bereits hinzugefügt.";
+constexpr const char* kNichtMehrDa =
+    "Die Datei ist an der ursprünglichen Stelle nicht mehr vorhanden. Stellen Sie den alten Zustand wieder her "
+    "oder bauen Sie die Dateiliste neu auf";
+constexpr const char* kFilter = "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat";
+
+/// Raised inside a procedure when a database call answered false; carries LastError.
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+void check(bool ok, const CAuftragDb& db)
+{
+    if (!ok)
+        throw Failure(db.LastError());
+}
+
+} // namespace
+
+/// Progress of the reading steps; nested scopes share the outermost one.
+class ProgressScope {
+public:
+    ProgressScope(frmWork& w, const char* title) : w_(w)
+    {
+        if (w_.progressDepth_++ == 0)
+            w_.ui_.beginProgress(title);
+    }
+    ~ProgressScope() { end(); }
+    ProgressScope(const ProgressScope&) = delete;
+    ProgressScope& operator=(const ProgressScope&) = delete;
+    void end()
+    {
+        if (!open_)
+            return;
+        open_ = false;
+        if (--w_.progressDepth_ == 0)
+            w_.ui_.endProgress();
+    }
+
+private:
+    frmWork& w_;
+    bool open_ = true;
+};
+
+std::int32_t idFromItemKey(const std::string& key)
+{
+    if (key.size() < 2)
+        return 0;
+    // Like Val(): leading blanks, then an optional sign and the digits; anything else ends the number.
+    std::size_t i = 1;
+    while (i < key.size() && key[i] == ' ')
+        ++i;
+    bool negative = false;
+    if (i < key.size() && (key[i] == '-' || key[i] == '+'))
+        negative = key[i++] == '-';
+    std::int64_t n = 0;
+    for (; i < key.size() && key[i] >= '0' && key[i] <= '9'; ++i) {
+        n = n * 10 + (key[i] - '0');
+        if (n > 0x7fffffff)
+            return 0;
+    }
+    return static_cast<std::int32_t>(negative ? -n : n);
+}
+
+frmWork::frmWork(CAuftragDb& db, const Settings& settings, UserInteraction& ui)
+    : f_DBAuftrag(db), settings_(settings), ui_(ui)
+{
+}
+
+frmWork::~frmWork() = default;
+
+// ---------------------------------------------------------------- lists
+
+bool frmWork::Init()
+{
+    try {
+        lvDateien.clear();
+        check(f_DBAuftrag.ReadAllDateienRec2Coll(f_collDateien), f_DBAuftrag);
+        pbRemoveEnabled = f_collDateien.Count() > 0;
+        for (const CDateienRec& d : f_collDateien)
+            lvDateien.push_back({CDateienRecColl::MakeIndex(d.lID), d.stName, {d.Datum, d.stPfad}});
+        if (onDateienChanged)
+            onDateienChanged();
+        return true;
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.Init", e.what());
+        return false;
+    }
+}
+
+bool frmWork::InitData()
+{
+    try {
+        lvRooms.clear();
+        check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);
+        for (const CRaumRec& r : f_collRooms) {
+            std::string datei;
+            if (r.lDatID != 0) {
+                CDateienRec d;
+                d.lID = r.lDatID;
+                if (f_DBAuftrag.ReadDateienRec(&d))
+                    datei = d.stName;
+            }
+            lvRooms.push_back({"R " + std::to_string(r.lID), r.stRaumNr,
+                               {r.ststatus, r.Datum, std::to_string(r.iAnzahl), datei}});
+        }
+        if (onRoomsChanged)
+            onRoomsChanged();
+        return true;
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.InitData", e.what());
+        return false;
+    }
+}
+
+// ---------------------------------------------------------------- checks
+
+bool frmWork::RaeumeNichtInAuftrag()
+{
+    try {
+        ScannerFile file(f_stfilename);
+        ScanRecord r;
+        // Rooms known to belong to the order need not be asked again.
+        std::unordered_set<std::string> inOrder;
+        while (file.next(r)) {
+            const std::string room = normaliseRoom(r.stRaum);
+            if (inOrder.count(room))
+                continue;
+            if (!f_DBAuftrag.RaumImAuftrag(room))
+                return true;
+            inOrder.insert(room);
+        }
+        return false;
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.RaeumeNichtInAuftrag", e.what());
+        return false;
+    }
+}
+
+bool frmWork::VerschiedeneTage()
+{
+    try {
+        ScannerFile file(f_stfilename);
+        ScanRecord r;
+        if (!file.next(r))
+            return false;
+        const std::string first = r.Datum;
+        while (file.next(r))
+            if (r.Datum != first)
+                return true;
+        return false;
+    } catch (const std::exception& e) {
+        // The date check reports under the label of the room check.
+        ui_.showError("frmWork.RaeumeVorhanden", e.what());
+        return false;
+    }
+}
+
+bool frmWork::RaeumeVorhanden()
+{
+    try {
+        ScannerFile file(f_stfilename);
+        ScanRecord r;
+        // Rooms known to have no scan data need not be asked again.
+        std::unordered_set<std::string> withoutScans;
+        while (file.next(r)) {
+            const std::string room = normaliseRoom(r.stRaum);
+            if (withoutScans.count(room))
+                continue;
+            if (f_DBAuftrag.RaumVorhanden(room))
+                return true;
+            withoutScans.insert(room);
+        }
+        return false;
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.RaeumeVorhanden", e.what());
+        return false;
+    }
+}
+
+// ---------------------------------------------------------------- import
+
+void frmWork::ensureHost()
+{
+    if (f_GebDb)
+        return;
+    auto host = std::make_unique<QObjektDb>();
+    const std::string database = settings_.isJet() ? settings_.gstProjektPfad + settings_.objectDatabaseFile()
+                                                   : settings_.gstConnectionString;
+    if (!host->Open(settings_.gstAppPfad, database))
+        throw Failure(host->LastError());
+    host->SetTablePrefix(settings_.tablePrefix());
+    f_GebDb = std::move(host);
+}
+
+bool frmWork::GetDataFromDat()
+{
+    // One transaction for the whole file; what was stored before an error is committed all the same.
+    std::optional<Database::Transaction> tx;
+    try {
+        ensureHost();
+        ScannerFile file(f_stfilename);
+        ProgressScope progress(*this, kProgressTitle);
+        const std::string fileName = fileNamePart(f_stfilename);
+        if (Database* db = f_DBAuftrag.database())
+            tx.emplace(*db);
+
+        CDatInventurRec rec;
+        ScanRecord r;
+        std::int64_t nextReport = kProgressStep;
+        while (file.next(r)) {
+            if (file.linesRead() >= nextReport) {
+                ui_.reportProgress(fileName, file.linesRead());
+                nextReport = file.linesRead() + kProgressStep;
+            }
+            rec.stMitarbNr = r.stMitarbNr;
+            rec.stAuftragsNr = r.stAuftragsNr;
+            rec.Datum = r.Datum;
+            rec.Uhrzeit = r.Uhrzeit;
+            rec.stRaum = normaliseRoom(r.stRaum);
+            rec.stInvNr = trimBlanks(r.stInvNr);
+            if (rec.stInvNr.empty()) {
+                ui_.messageBox("In der Datei '" + f_stfilename + "' steht ein Datensatz ohne Objektnummer.",
+                               MsgButtons::Ok, MsgIcon::None, kTitle);
+                rec.stInvNr = kOhneNr;
+            }
+            rec.stArtNr = trimBlanks(r.stArtNr);
+            rec.stTaet = r.stTaet;
+            if (const auto host = f_GebDb->FindByInvNr(rec.stInvNr)) {
+                rec.stArtNr = host->stArtNr;
+                rec.stArtName = host->stArtName;
+            }
+            rec.lDatID = f_lDatId;
+
+            bool duplicate = false;
+            check(f_DBAuftrag.AddNewDatInventurRec(&rec, duplicate), f_DBAuftrag);
+            if (duplicate) {
+                CDatInventurRec stored;
+                check(f_DBAuftrag.GetDatInventurByInvNr(&rec, stored), f_DBAuftrag);
+                stored.stArtName = rec.stArtName;
+                if (stored.stRaum == rec.stRaum) {
+                    ui_.messageBox("Warnung: Im Raum " + rec.stRaum + " ist die Objektnummer '" + rec.stInvNr +
+                                       "' mehrfach eingescannt worden.",
+                                   MsgButtons::Ok, MsgIcon::Exclamation, kTitle);
+                } else {
+                    CDateienRec first;
+                    first.lID = stored.lDatID;
+                    check(f_DBAuftrag.ReadDateienRec(&first), f_DBAuftrag);
+                    const ConflictInfo info{rec.stInvNr,    rec.stArtNr, rec.stArtName,
+                                            stored.stRaum,  first.stName, stored.Datum,
+                                            rec.stRaum,     fileName,     rec.Datum};
+                    if (ui_.resolveConflict(info)) {
+                        stored.stRaum = rec.stRaum;
+                        stored.Datum = rec.Datum;
+                        stored.lDatID = rec.lDatID;
+                        check(f_DBAuftrag.EditDatInventurRec(&stored), f_DBAuftrag);
+                    }
+                    ui_.processEvents();
+                }
+            }
+            rec.Init();
+        }
+        if (tx)
+            tx->commit();
+        return true;
+    } catch (const std::exception& e) {
+        try {
+            if (tx)
+                tx->commit();
+        } catch (const std::exception&) {
+            // The first error is the one the user needs to see.
+        }
+        ui_.showError("frmWork.GetDataFromDat", e.what());
+        return false;
+    }
+}
+
+bool frmWork::DatEinlesen()
+{
+    const bool ok = GetDataFromDat();
+    f_DBAuftrag.WriteReihenfolgeDatInventur();
+    return ok;
+}
+
+// ---------------------------------------------------------------- data file list
+
+void frmWork::pbAdd_Click()
+{
+    try {
+        check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);
+        if (f_collRooms.Count() == 0) {
+            ui_.messageBox(kKeinRaum, MsgButtons::Ok, MsgIcon::Exclamation, "Problem");
+            return;
+        }
+
+        FileDialogRequest request;
+        request.startFolder = folderPart(f_stfilename);
+        request.filter = kFilter;
+        request.filterIndex = 2;
+        const std::optional<std::string> chosen = ui_.openFile(request);
+        if (!chosen || chosen->empty())
+            return;
+
+        ui_.setBusy(true);
+        f_stfilename = *chosen;
+
+        CDateienRec datei;
+        datei.stName = fileNamePart(f_stfilename);
+        datei.stPfad = f_stfilename;
+        {
+            ScannerFile file(f_stfilename);
+            std::string firstLine;
+            if (file.nextLine(firstLine))
+                datei.Datum = GetField(firstLine, ",", 3);
+        }
+
+        const auto refuse = [this](const char* text) {
+            ui_.setBusy(false);
+            ui_.messageBox(text, MsgButtons::Ok, MsgIcon::None, kTitle);
+        };
+        if (RaeumeNichtInAuftrag())
+            return refuse(kRaeumeNichtInAuftrag);
+        if (VerschiedeneTage())
+            return refuse(kVerschiedeneTage);
+        if (RaeumeVorhanden())
+            return refuse(kRaeumeVorhanden);
+        if (!f_DBAuftrag.AddNewDateienRec(&datei))
+            return refuse(kSchonHinzugefuegt);
+
+        f_lDatId = datei.lID;
+        ui_.processEvents();
+        DatEinlesen();
+        ui_.processEvents();
+        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+            Init();
+            InitData();
+        }
+        ui_.setBusy(false);
+    } catch (const std::exception& e) {
+        ui_.setBusy(false);
+        ui_.showError("frmWork.pbAdd_Click", e.what());
+    }
+}
+
+void frmWork::pbRemove_Click(const std::string& itemKey, const std::string& itemText)
+{
+    if (itemKey.empty())
+        return;
+    try {
+        if (!ui_.askYesNo("Die Datei '" + itemText +
+                              "' entfernen und Inventurdaten entsprechen verbleibenden Dateien aktualisieren ?",
+                          kTitle))
+            return;
+        CDateienRec datei;
+        datei.lID = idFromItemKey(itemKey);
+        check(f_DBAuftrag.DelDateienRec(&datei), f_DBAuftrag);
+        f_stfilename.clear();
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.pbRemove_Click", e.what());
+        return;
+    }
+    pbNeu_Click();
+}
+
+void frmWork::lvDateien_DblClick(const std::string& itemKey)
+{
+    if (itemKey.empty())
+        return;
+    try {
+        CDateienRec datei;
+        datei.lID = idFromItemKey(itemKey);
+        check(f_DBAuftrag.ReadDateienRec(&datei), f_DBAuftrag);
+        if (!fileExists(datei.stPfad)) {
+            ui_.messageBox(kNichtMehrDa, MsgButtons::Ok, MsgIcon::None, kTitle);
+            return;
+        }
+        ui_.openInEditor(datei.stPfad);
+        ui_.processEvents();
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.lvDateien_DblClick", e.what());
+    }
+}
+
+void frmWork::clearScanData()
+{
+    check(f_DBAuftrag.DelAllDiffListe(), f_DBAuftrag);
+    check(f_DBAuftrag.DelAllInvListe(), f_DBAuftrag);
+    check(f_DBAuftrag.DelAllArtikellisteRec(), f_DBAuftrag);
+    check(f_DBAuftrag.DelAllDatInventur(), f_DBAuftrag);
+    // The room statement shows its own message when it fails.
+    f_DBAuftrag.ResetStatusRooms();
+    Init();
+    InitData();
+}
+
+void frmWork::pbNeu_Click()
+{
+    try {
+        ui_.setBusy(true);
+        clearScanData();
+
+        ProgressScope progress(*this, kProgressTitle);
+        bool conflict = false;
+        CDateienRec* datei = nullptr;
+        f_collDateien.ResetIndex();
+        while (f_collDateien.GetNext(datei)) {
+            f_stfilename = datei->stPfad;
+            if (!fileExists(f_stfilename)) {
+                progress.end();
+                ui_.setBusy(false);
+                ui_.messageBox("Die Datei " + f_stfilename +
+                                   " ist an dieser Stelle nicht mehr vorhanden. Stellen Sie den alten Zustand "
+                                   "wieder her oder bauen Sie die Dateiliste neu auf",
+                               MsgButtons::Ok, MsgIcon::None, kTitle);
+                return;
+            }
+            f_lDatId = datei->lID;
+            if (RaeumeVorhanden()) {
+                conflict = true;
+                break;
+            }
+            GetDataFromDat();
+        }
+        progress.end();
+
+        if (conflict) {
+            ui_.setBusy(false);
+            ui_.messageBox("In der Datei " + f_stfilename +
+                               " sind Daten von Räumen, die von einer vorhergehenden Datei bereits eingelesen wurden.",
+                           MsgButtons::Ok, MsgIcon::None, kTitle);
+            clearScanData();
+            return;
+        }
+
+        f_DBAuftrag.WriteReihenfolgeDatInventur();
+        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+            Init();
+            InitData();
+        }
+        ui_.setBusy(false);
+    } catch (const std::exception& e) {
+        ui_.setBusy(false);
+        ui_.showError("frmWork.pbNeu_Click", e.what());
+    }
+}
+
+// ---------------------------------------------------------------- archive
+
+void frmWork::MakeArchive()
+{
+    try {
+        const std::string dbName = fileNamePart(f_DBAuftrag.DbPath());
+        if (dbName.size() < 4)
+            throw std::runtime_error("Ungültiger Prozeduraufruf oder ungültiges Argument");
+        const std::string archive =
+            settings_.gstProjektPfad + "Inventur\\" + dbName.substr(0, dbName.size() - 4) + ".dat";
+
+        if (!f_DBAuftrag.ReadAllDatInventurRec2Coll(f_collDatInventur)) {
+            ui_.showError("frmWork.MakeArchive", f_DBAuftrag.LastError());
+            return;
+        }
+        TextFileWriter out(archive);
+        CDatInventurRec* rec = nullptr;
+        f_collDatInventur.ResetIndex();
+        while (f_collDatInventur.GetNext(rec))
+            out.writeLine(rec->stMitarbNr + "," + rec->stAuftragsNr + "," + rec->Datum + "," + rec->Uhrzeit + "," +
+                          rec->stRaum + "," + rec->stInvNr + "," + rec->stArtNr + "," + rec->stTaet);
+        out.close();
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.MakeArchive", e.what());
+    }
+}
+
+} // namespace qi

@@ -1,0 +1,119 @@
+#pragma once
+// The work window of one order, without its widgets: the form-level state and
+// the procedures behind its lists and commands (scanner data import, the data
+// file list, the archive of scan data). Everything the user sees passes through
+// UserInteraction; what the two list views show is kept in lvDateien and
+// lvRooms, which the window copies into its controls after Init and InitData.
+
+#include "CAuftragDb.h"
+#include "RecColl.h"
+#include "Settings.h"
+#include "UserInteraction.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qi {
+
+class QObjektDb;
+
+/// One entry of a list view in report mode: key, text and sub-items.
+struct ListItem {
+    std::string key;
+    std::string text;
+    std::vector<std::string> subItems;
+};
+
+/// The work window's logic. Borrows the order database, the settings and the user
+/// interaction for the lifetime of the object.
+class frmWork {
+public:
+    frmWork(CAuftragDb& db, const Settings& settings, UserInteraction& ui);
+    ~frmWork();
+    frmWork(const frmWork&) = delete;
+    frmWork& operator=(const frmWork&) = delete;
+
+    // ------------------------------------------------------------ lists
+
+    /// Refills the data file list (f_collDateien, lvDateien, pbRemoveEnabled) from T_Dateien.
+    /// On failure shows "frmWork.Init" with the description and answers false.
+    bool Init();
+    /// Refills the room list (f_collRooms, lvRooms) from T_Raum, with the name of each
+    /// room's data file. On failure shows "frmWork.InitData" and answers false.
+    bool InitData();
+
+    // ------------------------------------------------------------ commands
+
+    /// "&Hinzufügen": asks for a data file, checks it, records it in T_Dateien and imports it.
+    void pbAdd_Click();
+    /// "&Entfernen": after the question, removes the data file of the selected entry
+    /// (its key "$" + lDatID and its text) and rebuilds. An empty key does nothing.
+    void pbRemove_Click(const std::string& itemKey, const std::string& itemText);
+    /// Double click on a data file entry: opens the file in the text editor.
+    void lvDateien_DblClick(const std::string& itemKey);
+    /// "&Auswertung aktualisieren": clears the order's scan data and reads all data files again.
+    void pbNeu_Click();
+    /// Writes all scan lines of the order to "Inventur\<order>.dat" in the project folder.
+    void MakeArchive();
+
+    // ------------------------------------------------------------ import of f_stfilename
+
+    /// True as soon as one record's room is not a room of the order.
+    bool RaeumeNichtInAuftrag();
+    /// True as soon as one record's date (field 3) differs from the first record's.
+    bool VerschiedeneTage();
+    /// True as soon as scan data of one record's room are already held in the order.
+    bool RaeumeVorhanden();
+    /// Reads the file into T_DatInventur under f_lDatId; true at the end of the file,
+    /// false when an error stopped it (rows stored until then stay).
+    bool GetDataFromDat();
+    /// GetDataFromDat, then the renumbering of the scan lines; the import's result.
+    bool DatEinlesen();
+
+    // ------------------------------------------------------------ form state
+
+    CAuftragDb& f_DBAuftrag;
+    /// Full path of the data file being worked on.
+    std::string f_stfilename;
+    /// Its T_Dateien identifier.
+    std::int32_t f_lDatId = 0;
+    /// The host object component, created and opened on first use.
+    std::unique_ptr<QObjektDb> f_GebDb;
+    CRaumRecColl f_collRooms;
+    /// The order's data files, as Init read them.
+    CDateienRecColl f_collDateien;
+    CDatInventurRecColl f_collDatInventur;
+
+    /// What lvDateien shows: text file name, sub-items date and path, key "$" + lDatID.
+    std::vector<ListItem> lvDateien;
+    /// What lvRooms shows: text room, sub-items status, date, count, data file; key "R " + lID.
+    std::vector<ListItem> lvRooms;
+    /// pbRemove is enabled only while the order has data files.
+    bool pbRemoveEnabled = false;
+
+    /// Called after Init refilled lvDateien, and after InitData refilled lvRooms.
+    std::function<void()> onDateienChanged;
+    std::function<void()> onRoomsChanged;
+
+    /// Lines between two progress reports while a file is read.
+    static constexpr std::int64_t kProgressStep = 1000;
+
+private:
+    /// Creates and opens the host object component if there is none yet.
+    void ensureHost();
+    /// The five deletions of the derived data, then Init and InitData.
+    void clearScanData();
+
+    const Settings& settings_;
+    UserInteraction& ui_;
+    int progressDepth_ = 0;
+    friend class ProgressScope;
+};
+
+/// Identifier of a list item key: the number from its second character on (0 if none).
+std::int32_t idFromItemKey(const std::string& key);
+
+} // namespace qi
