@@ -1,9 +1,11 @@
 // Builds the program's empty databases from the schema code:
 //   qi_mkdb order <file>     the empty order database (QAuftrag.mdb)
 //   qi_mkdb register <file>  the empty order register (QInventur.mdb)
+//   qi_mkdb report <file>    the report database with its links (QInventurRpt.mdb)
 
 #include "CInventurDb.h"
 #include "OrderSchema.h"
+#include "ReportLinks.h"
 
 #include <cstdio>
 #include <string>
@@ -11,11 +13,15 @@
 int main(int argc, char** argv)
 {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: qi_mkdb order|register <file>\n");
+        std::fprintf(stderr, "usage: qi_mkdb order|register|report <file>\n");
         return 2;
     }
     const std::string kind = argv[1];
     try {
+        if (kind == "report") {
+            qi::createReportDatabase(argv[2]);
+            return 0;
+        }
         auto db = qi::Database::create(argv[2]);
         if (kind == "order")
             qi::createOrderSchema(*db);

@@ -1,0 +1,274 @@
+#include "LinkedDatabase.h"
+
+#include "FileSystem.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <regex>
+
+namespace qi {
+
+namespace {
+
+constexpr const char* kSchema =
+    "CREATE TABLE QI_Links (stName TEXT COLLATE NOCASE PRIMARY KEY, stConnect TEXT NOT NULL DEFAULT '', "
+    "stSourceTable TEXT NOT NULL DEFAULT '');\n"
+    "CREATE TABLE QI_Queries (stName TEXT COLLATE NOCASE PRIMARY KEY, stJet TEXT NOT NULL DEFAULT '', "
+    "stSqlite TEXT NOT NULL DEFAULT '');\n";
+
+constexpr const char* kSelectLinks = "SELECT stName, stConnect, stSourceTable FROM QI_Links ORDER BY stName";
+constexpr const char* kSelectLink = "SELECT stName, stConnect, stSourceTable FROM QI_Links WHERE stName = ?1";
+constexpr const char* kUpdateConnect = "UPDATE QI_Links SET stConnect = ?2 WHERE stName = ?1";
+constexpr const char* kInsertLink = "INSERT INTO QI_Links (stName, stConnect, stSourceTable) VALUES (?1, ?2, ?3)";
+constexpr const char* kDeleteLink = "DELETE FROM QI_Links WHERE stName = ?1";
+constexpr const char* kUpsertQuery =
+    "INSERT INTO QI_Queries (stName, stJet, stSqlite) VALUES (?1, ?2, ?3) "
+    "ON CONFLICT(stName) DO UPDATE SET stJet = excluded.stJet, stSqlite = excluded.stSqlite";
+constexpr const char* kUpdateQuery = "UPDATE QI_Queries SET stJet = ?2, stSqlite = ?3 WHERE stName = ?1";
+constexpr const char* kSelectQuery = "SELECT stJet, stSqlite FROM QI_Queries WHERE stName = ?1";
+constexpr const char* kSelectQueries = "SELECT stName, stSqlite FROM QI_Queries ORDER BY stName";
+
+std::string upper(std::string s)
+{
+    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return char(std::toupper(c)); });
+    return s;
+}
+
+bool sameName(const std::string& a, const std::string& b) { return upper(a) == upper(b); }
+
+std::string quoted(const std::string& name)
+{
+    std::string r = "\"";
+    for (char c : name) {
+        if (c == '"')
+            r += '"';
+        r += c;
+    }
+    return r + "\"";
+}
+
+DbError unknownItem(const std::string& name)
+{
+    return DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + name + ").");
+}
+
+bool isOdbc(const std::string& connect) { return upper(connect).rfind("ODBC;", 0) == 0 || upper(connect) == "ODBC"; }
+
+/// The DSN (or the whole string) of an ODBC connect string, for messages.
+std::string odbcSource(const std::string& connect)
+{
+    const std::string u = upper(connect);
+    const auto p = u.find("DSN=");
+    if (p == std::string::npos)
+        return connect;
+    const auto end = connect.find(';', p);
+    return connect.substr(p + 4, end == std::string::npos ? std::string::npos : end - p - 4);
+}
+
+/// A canonical form of a file path, so that one file is attached once.
+std::string fileKey(const std::string& file)
+{
+    std::error_code ec;
+    const auto p = std::filesystem::weakly_canonical(std::filesystem::u8path(nativePath(file)), ec);
+    return ec ? nativePath(file) : p.string();
+}
+
+} // namespace
+
+std::string connectDatabaseFile(const std::string& connect)
+{
+    if (isOdbc(connect))
+        return {};
+    const std::string u = upper(connect);
+    const auto p = u.find("DATABASE=");
+    if (p == std::string::npos)
+        return {};
+    const auto start = p + 9;
+    const auto end = connect.find(';', start);
+    return connect.substr(start, end == std::string::npos ? std::string::npos : end - start);
+}
+
+void LinkedDatabase::createSchema(Database& db)
+{
+    Database::Transaction tx(db);
+    db.executeScript(kSchema);
+    tx.commit();
+}
+
+std::unique_ptr<LinkedDatabase> LinkedDatabase::open(const std::string& path)
+{
+    return std::unique_ptr<LinkedDatabase>(new LinkedDatabase(Database::open(path)));
+}
+
+std::vector<TableLink> LinkedDatabase::links()
+{
+    std::vector<TableLink> out;
+    const Recordset rs = db_->query(kSelectLinks);
+    for (const auto& row : rs.rows())
+        out.push_back({toText(row[0]), toText(row[1]), toText(row[2])});
+    return out;
+}
+
+bool LinkedDatabase::hasLink(const std::string& name) { return !db_->query(kSelectLink, {name}).empty(); }
+
+std::string LinkedDatabase::connect(const std::string& name)
+{
+    Recordset rs = db_->query(kSelectLink, {name});
+    if (rs.empty())
+        throw unknownItem(name);
+    return toText(rs.field(1));
+}
+
+void LinkedDatabase::setConnect(const std::string& name, const std::string& connect)
+{
+    Recordset rs = db_->query(kSelectLink, {name});
+    if (rs.empty())
+        throw unknownItem(name);
+    for (auto& p : pending_)
+        if (sameName(p.name, name)) {
+            p.connect = connect;
+            return;
+        }
+    pending_.push_back({toText(rs.field(0)), connect, toText(rs.field(2))});
+}
+
+void LinkedDatabase::checkSource(const TableLink& link)
+{
+    if (isOdbc(link.connect))
+        throw DbError(linkerr::OdbcFailed, "ODBC-Verbindung zu '" + odbcSource(link.connect) + "' fehlgeschlagen.");
+    const std::string file = connectDatabaseFile(link.connect);
+    if (file.empty())
+        throw DbError(linkerr::IsamNotFound, "Installierbares ISAM nicht gefunden.");
+    auto source = Database::open(file, true);
+    if (!source->tableExists(link.sourceTable))
+        throw DbError(linkerr::ObjectNotFound,
+                      "Das Objekt '" + link.sourceTable + "' wurde in der Datenbank '" + file +
+                          "' nicht gefunden. Stellen Sie sicher, dass das Objekt existiert und dass Sie den Namen "
+                          "richtig geschrieben haben.");
+}
+
+void LinkedDatabase::refreshLink(const std::string& name)
+{
+    Recordset rs = db_->query(kSelectLink, {name});
+    if (rs.empty())
+        throw unknownItem(name);
+    TableLink link{toText(rs.field(0)), toText(rs.field(1)), toText(rs.field(2))};
+    auto it = std::find_if(pending_.begin(), pending_.end(), [&](const TableLink& p) { return sameName(p.name, name); });
+    if (it != pending_.end())
+        link.connect = it->connect;
+    checkSource(link);
+    db_->execute(kUpdateConnect, {link.name, link.connect});
+    if (it != pending_.end())
+        pending_.erase(it);
+}
+
+void LinkedDatabase::appendLink(const TableLink& link)
+{
+    if (hasLink(link.name))
+        throw DbError(linkerr::ObjectExists, "Objekt '" + link.name + "' existiert bereits.");
+    checkSource(link);
+    storeLink(link);
+}
+
+void LinkedDatabase::storeLink(const TableLink& link)
+{
+    db_->execute(kDeleteLink, {link.name});
+    db_->execute(kInsertLink, {link.name, link.connect, link.sourceTable});
+}
+
+void LinkedDatabase::execute(const std::string& sql)
+{
+    static const std::regex dropTable(R"re(^\s*DROP\s+TABLE\s+(?:\[([^\]]+)\]|"([^"]+)"|([^\s;]+))\s*;?\s*$)re",
+                                      std::regex::icase);
+    std::smatch m;
+    if (std::regex_match(sql, m, dropTable)) {
+        const std::string name = m[1].matched ? m[1].str() : m[2].matched ? m[2].str() : m[3].str();
+        if (!hasLink(name))
+            throw DbError(linkerr::TableNotExist, "Tabelle '" + name + "' existiert nicht.");
+        db_->execute(kDeleteLink, {name});
+        pending_.erase(std::remove_if(pending_.begin(), pending_.end(),
+                                      [&](const TableLink& p) { return sameName(p.name, name); }),
+                       pending_.end());
+        return;
+    }
+    db_->execute(sql);
+}
+
+void LinkedDatabase::storeQuery(const std::string& name, const JetSql& sql)
+{
+    db_->execute(kUpsertQuery, {name, std::string(sql.jet), std::string(sql.sqlite)});
+}
+
+void LinkedDatabase::setQuerySql(const std::string& name, const JetSql& sql)
+{
+    if (db_->execute(kUpdateQuery, {name, std::string(sql.jet), std::string(sql.sqlite)}) == 0)
+        throw unknownItem(name);
+}
+
+std::string LinkedDatabase::queryJet(const std::string& name)
+{
+    Recordset rs = db_->query(kSelectQuery, {name});
+    if (rs.empty())
+        throw unknownItem(name);
+    return toText(rs.field(0));
+}
+
+std::string LinkedDatabase::querySqlite(const std::string& name)
+{
+    Recordset rs = db_->query(kSelectQuery, {name});
+    if (rs.empty())
+        throw unknownItem(name);
+    return toText(rs.field(1));
+}
+
+std::unique_ptr<Database> LinkedDatabase::openForStatements()
+{
+    auto conn = Database::open(db_->path());
+    const std::vector<TableLink> all = links();
+
+    // Attach every existing source file once, in the order the links name them.
+    std::vector<std::string> keys;     // canonical file per alias
+    std::vector<std::string> aliasOf;  // alias per link ("" = unresolved)
+    for (const TableLink& link : all) {
+        const std::string file = connectDatabaseFile(link.connect);
+        if (file.empty() || !fileExists(file)) {
+            aliasOf.emplace_back();
+            continue;
+        }
+        const std::string key = fileKey(file);
+        auto it = std::find(keys.begin(), keys.end(), key);
+        if (it == keys.end()) {
+            keys.push_back(key);
+            conn->execute("ATTACH DATABASE ?1 AS " + quoted("src" + std::to_string(keys.size())),
+                          {nativePath(file)});
+            it = keys.end() - 1;
+        }
+        aliasOf.push_back("src" + std::to_string(it - keys.begin() + 1));
+    }
+
+    // A table name without schema is looked up in temp, main, then the attached files
+    // in attach order. A link whose source table is found so under its own name needs
+    // nothing more; any other gets a view in temp that shadows the rest.
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const TableLink& link = all[i];
+        const std::string& alias = aliasOf[i];
+        if (alias.empty() || !conn->tableExists(link.sourceTable, alias))
+            continue;
+        bool direct = sameName(link.name, link.sourceTable) && !conn->tableExists(link.name, "main");
+        const std::size_t index = std::size_t(std::stoi(alias.substr(3)));
+        for (std::size_t a = 1; direct && a < index; ++a)
+            if (conn->tableExists(link.name, "src" + std::to_string(a)))
+                direct = false;
+        if (!direct)
+            conn->executeScript("CREATE TEMP VIEW " + quoted(link.name) + " AS SELECT * FROM " + quoted(alias) + "." +
+                                quoted(link.sourceTable));
+    }
+
+    const Recordset queries = db_->query(kSelectQueries);
+    for (const auto& row : queries.rows())
+        conn->executeScript("CREATE TEMP VIEW " + quoted(toText(row[0])) + " AS " + toText(row[1]));
+    return conn;
+}
+
+} // namespace qi

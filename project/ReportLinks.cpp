@@ -1,0 +1,119 @@
+#include "ReportLinks.h"
+
+#include "LinkedDatabase.h"
+#include "ReportDatabase.h"
+
+#include <array>
+
+namespace qi {
+
+namespace {
+
+constexpr const char* kJetPrefix = ";DATABASE=";
+
+struct ModuleLinks {
+    const char* objekt;
+    const char* artikel;
+    const char* file; ///< the module's object database file
+};
+
+constexpr std::array<ModuleLinks, 3> kModuleLinks = {{
+    {"T_IObjekt", "T_IArtikel", "QOvInventar.mdb"},
+    {"T_TObjekt", "T_TArtikel", "QOvTechnik.mdb"},
+    {"T_BObjekt", "T_BArtikel", "QOvBrandschutz.mdb"},
+}};
+
+constexpr const char* kGebaeudeFile = "QGebaeude.mdb";
+constexpr const char* kStammdatenFile = "QStammdaten.mdb";
+constexpr const char* kMasterLinks[] = {"T_AnsprechPartner", "T_KST"};
+
+void relink(LinkedDatabase& db, const std::string& name, const std::string& connect)
+{
+    db.setConnect(name, connect);
+    db.refreshLink(name);
+}
+
+void rebuild(LinkedDatabase& db, const std::string& name, const std::string& connect)
+{
+    db.execute("DROP TABLE " + name);
+    db.appendLink({name, connect, name});
+}
+
+} // namespace
+
+void createReportDatabase(const std::string& path)
+{
+    auto file = Database::create(path);
+    LinkedDatabase::createSchema(*file);
+    file.reset();
+    auto db = LinkedDatabase::open(path);
+    Database::Transaction tx(db->database());
+    for (const char* name : kOrderLinks)
+        db->storeLink({name, std::string(kJetPrefix) + "QAuftrag.mdb", name});
+    db->storeLink({"T_Raumkern", std::string(kJetPrefix) + kGebaeudeFile, "T_Raumkern"});
+    for (const ModuleLinks& m : kModuleLinks) {
+        db->storeLink({m.objekt, std::string(kJetPrefix) + m.file, m.objekt});
+        db->storeLink({m.artikel, std::string(kJetPrefix) + m.file, m.artikel});
+    }
+    for (const char* name : kMasterLinks)
+        db->storeLink({name, std::string(kJetPrefix) + kStammdatenFile, name});
+    db->storeQuery(kQueryAnzProRaum, anzProRaumQuery(0));
+    db->storeQuery(kQueryDiffListe, diffListeQuery(0));
+    tx.commit();
+}
+
+bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath, UserInteraction& ui)
+{
+    try {
+        auto db = LinkedDatabase::open(reportDatabasePath(settings));
+
+        std::string connect = kJetPrefix + orderDbPath;
+        for (const char* name : kOrderLinks)
+            relink(*db, name, connect);
+
+        const bool jet = settings.gstProjekttyp == "ptJet";
+        if (settings.gstProjekttyp == "ptODBC")
+            connect = settings.gstConnectionString;
+        if (jet)
+            connect = kJetPrefix + settings.gstProjektPfad + kGebaeudeFile;
+
+        const bool moduleKnown = settings.giModul >= 0 && settings.giModul <= 2;
+        const ModuleLinks* module = moduleKnown ? &kModuleLinks[std::size_t(settings.giModul)] : nullptr;
+        const std::string objectConnect = module ? kJetPrefix + settings.gstProjektPfad + module->file : "";
+        const std::string masterConnect = kJetPrefix + settings.gstProjektPfad + kStammdatenFile;
+
+        if (jet && db->connect("T_Raumkern").find("ODBC") != std::string::npos) {
+            // The links were made for an ODBC project: make them anew for the Jet files.
+            rebuild(*db, "T_Raumkern", connect);
+            if (module) {
+                rebuild(*db, module->objekt, objectConnect);
+                rebuild(*db, module->artikel, objectConnect);
+            }
+            for (const char* name : kMasterLinks)
+                rebuild(*db, name, masterConnect);
+            return true;
+        }
+
+        if (module) {
+            if (jet)
+                connect = objectConnect;
+            relink(*db, module->objekt, connect);
+            relink(*db, module->artikel, connect);
+        }
+        if (jet)
+            connect = kJetPrefix + settings.gstProjektPfad + kGebaeudeFile;
+        relink(*db, "T_Raumkern", connect);
+        if (jet)
+            connect = masterConnect;
+        for (const char* name : kMasterLinks)
+            relink(*db, name, connect);
+        return true;
+    } catch (const DbError& e) {
+        ui.showError(kCheckReportMdbLinkLabel, e.description());
+    } catch (const std::exception& e) {
+        ui.showError(kCheckReportMdbLinkLabel, e.what());
+    }
+    return false;
+}
+
+} // namespace qi

@@ -1,0 +1,33 @@
+#pragma once
+// The links of the report database "QInventurRpt.mdb": which tables it links,
+// setting up a new report database, and pointing its links at the open order
+// and at the project's Quarn databases.
+
+#include "Settings.h"
+#include "UserInteraction.h"
+
+#include <string>
+#include <vector>
+
+namespace qi {
+
+/// Label of the common error message of CheckReportMdbLink.
+inline constexpr const char* kCheckReportMdbLinkLabel = "COVRpt.CheckReportMdbLink";
+
+/// The links to the open order's database, in the order they are relinked.
+inline constexpr const char* kOrderLinks[] = {"t_Artikelliste", "t_DatInventur", "t_Differenzliste",
+                                              "t_Invliste",     "t_Raum",        "T_Auftrag"};
+
+/// Creates the report database at `path` (an existing file is replaced): every link
+/// with a connect string naming its usual file (";DATABASE=QAuftrag.mdb", ";DATABASE=QGebaeude.mdb" ...)
+/// until an order is opened, and both stored queries defined for module 0.
+void createReportDatabase(const std::string& path);
+
+/// Points the report database's links at the order database `orderDbPath` and at the project's
+/// Quarn databases for its type and module. For a "ptJet" project whose link T_Raumkern still holds
+/// an ODBC connect string the host links are dropped and made anew. Errors end the relinking at the
+/// failing step with the common error message "COVRpt.CheckReportMdbLink"; links already changed
+/// stay changed. True when every step succeeded.
+bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath, UserInteraction& ui);
+
+} // namespace qi
