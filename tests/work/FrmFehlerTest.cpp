@@ -1,0 +1,152 @@
+// The conflict dialog "Fehler", offscreen.
+
+#include "frmFehler.h"
+
+#include "QtUserInteraction.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+
+namespace qi {
+namespace {
+
+QApplication& app()
+{
+    static int argc = 1;
+    static char name[] = "test_work";
+    static char* argv[] = {name, nullptr};
+    static QApplication a(argc, argv);
+    return a;
+}
+
+ConflictInfo sample()
+{
+    return {"INV-7", "ART-1", "Bürostuhl", "1", "erste.dat", "01.02.2015", "2", "zweite.dat", "02.02.2015"};
+}
+
+QString text(const frmFehler& f, const char* name)
+{
+    const auto* l = f.findChild<QLabel*>(QString::fromLatin1(name));
+    return l ? l->text() : QStringLiteral("<fehlt>");
+}
+
+class FrmFehlerTest : public ::testing::Test {
+protected:
+    void SetUp() override { app(); }
+};
+
+TEST_F(FrmFehlerTest, CaptionAndLabels)
+{
+    frmFehler f;
+    f.setInfo(sample());
+    EXPECT_EQ(f.windowTitle(), QStringLiteral("Fehler"));
+    EXPECT_EQ(text(f, "lbMessage"), QStringLiteral("Bitte zwischen beiden Räumen entscheiden !"));
+    EXPECT_EQ(text(f, "Label1"), QStringLiteral("Inventarnummer"));
+    EXPECT_EQ(text(f, "Label2"), QStringLiteral("Artikelnummer"));
+    EXPECT_EQ(text(f, "Label4"), QStringLiteral("Artikelbezeichnung"));
+    EXPECT_EQ(text(f, "Label10"), QStringLiteral("Erstes Auftreten:"));
+    EXPECT_EQ(text(f, "Label11"), QStringLiteral("Zweites Auftreten:"));
+    EXPECT_EQ(text(f, "Label3"), QStringLiteral("Raum"));
+    EXPECT_EQ(text(f, "Label5"), QStringLiteral("Datei"));
+    EXPECT_EQ(text(f, "Label12"), QStringLiteral("Datum"));
+    EXPECT_EQ(text(f, "lbInvNr"), QStringLiteral("INV-7"));
+    EXPECT_EQ(text(f, "lbArtNr"), QStringLiteral("ART-1"));
+    EXPECT_EQ(text(f, "lbArtName"), QStringLiteral("Bürostuhl"));
+    EXPECT_EQ(text(f, "lbRNrAlt"), QStringLiteral("1"));
+    EXPECT_EQ(text(f, "lbDatAlt"), QStringLiteral("erste.dat"));
+    EXPECT_EQ(text(f, "lbDatumAlt"), QStringLiteral("01.02.2015"));
+    EXPECT_EQ(text(f, "lbRNrNeu"), QStringLiteral("2"));
+    EXPECT_EQ(text(f, "lbDatNeu"), QStringLiteral("zweite.dat"));
+    EXPECT_EQ(text(f, "lbDatumNeu"), QStringLiteral("02.02.2015"));
+    EXPECT_EQ(f.pbOk->text(), QStringLiteral("&OK"));
+    EXPECT_EQ(f.Timer1->interval(), 500);
+    EXPECT_EQ(f.opBehalten->parentWidget(), f.Frame2);
+    EXPECT_EQ(f.opVerwerfen->parentWidget(), f.Frame2);
+}
+
+TEST_F(FrmFehlerTest, OkStaysDisabledWithoutAChoice)
+{
+    frmFehler f;
+    f.opVerwerfen->setChecked(true);
+    f.show();
+    EXPECT_FALSE(f.opBehalten->isChecked());
+    EXPECT_FALSE(f.opVerwerfen->isChecked());
+    EXPECT_FALSE(f.pbOk->isEnabled());
+    EXPECT_TRUE(f.Timer1->isActive());
+    f.pbOk->click(); // a disabled button does nothing
+    EXPECT_TRUE(f.isVisible());
+    f.opVerwerfen->click();
+    EXPECT_TRUE(f.pbOk->isEnabled());
+    f.close();
+}
+
+TEST_F(FrmFehlerTest, VerwerfenThenBehaltenThenOkKeepsTheFirst)
+{
+    frmFehler f;
+    f.show();
+    f.opVerwerfen->click();
+    f.opBehalten->click();
+    f.pbOk->click();
+    EXPECT_FALSE(f.bVerwerfen);
+    EXPECT_FALSE(f.isVisible());
+    EXPECT_EQ(f.result(), QDialog::Accepted);
+}
+
+TEST_F(FrmFehlerTest, VerwerfenThenOkDiscardsTheFirst)
+{
+    frmFehler f;
+    f.show();
+    f.opVerwerfen->click();
+    f.pbOk->click();
+    EXPECT_TRUE(f.bVerwerfen);
+}
+
+TEST_F(FrmFehlerTest, CloseButtonKeepsTheFirst)
+{
+    frmFehler f;
+    f.show();
+    f.opVerwerfen->click();
+    QCloseEvent close;
+    QApplication::sendEvent(&f, &close);
+    EXPECT_FALSE(f.isVisible());
+    EXPECT_FALSE(f.bVerwerfen);
+}
+
+TEST_F(FrmFehlerTest, TimerStopsOnceAChoiceIsMade)
+{
+    frmFehler f;
+    f.show();
+    f.opBehalten->click();
+    QTimer::singleShot(700, &f, [&] { f.close(); });
+    while (f.isVisible())
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_FALSE(f.Timer1->isActive());
+}
+
+TEST_F(FrmFehlerTest, QtUserInteractionShowsThePluggedDialog)
+{
+    QtUserInteraction ui;
+    EXPECT_FALSE(ui.resolveConflict(sample())); // nothing plugged in: the first scan is kept
+    installFrmFehler(ui);
+    QString shownInvNr;
+    QTimer::singleShot(0, [&] {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* f = qobject_cast<frmFehler*>(w); f && f->isVisible()) {
+                shownInvNr = f->lbInvNr->text();
+                f->opVerwerfen->click();
+                f->pbOk->click();
+            }
+    });
+    EXPECT_TRUE(ui.resolveConflict(sample()));
+    EXPECT_EQ(shownInvNr, QStringLiteral("INV-7"));
+}
+
+} // namespace
+} // namespace qi
