@@ -135,18 +135,16 @@ constexpr JetSql kGefundenZiel{
 // row's room. Of several such rows the one stored last wins. No rows are added.
 constexpr JetSql kGefundenQuelle{
     R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuelle =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
-    "UPDATE T_Differenzliste SET stQuelle = (SELECT r.stRaumNr FROM T_Differenzliste AS d JOIN T_Raum AS r "
-    "ON r.lID = d.lRaumID WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '' "
-    "ORDER BY d.lID DESC LIMIT 1), stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
-    "WHERE EXISTS (SELECT 1 FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
-    "WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '')"};
+    "UPDATE T_Differenzliste SET stQuelle = m.stRaumNr, stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
+    "FROM (SELECT nr, stRaumNr FROM (SELECT d.stSollInvNR AS nr, r.stRaumNr AS stRaumNr, ROW_NUMBER() OVER "
+    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "ON r.lID = d.lRaumID WHERE d.stZiel <> '') WHERE k = 1) AS m WHERE T_Differenzliste.stIstInvNR = m.nr"};
 constexpr JetSql kGefundenQuarn{
     R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuarn =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
-    "UPDATE T_Differenzliste SET stQuarn = (SELECT r.stRaumNr FROM T_Differenzliste AS d JOIN T_Raum AS r "
-    "ON r.lID = d.lRaumID WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '' "
-    "ORDER BY d.lID DESC LIMIT 1), stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
-    "WHERE EXISTS (SELECT 1 FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
-    "WHERE d.stSollInvNR = T_Differenzliste.stIstInvNR AND d.stZiel <> '')"};
+    "UPDATE T_Differenzliste SET stQuarn = m.stRaumNr, stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
+    "FROM (SELECT nr, stRaumNr FROM (SELECT d.stSollInvNR AS nr, r.stRaumNr AS stRaumNr, ROW_NUMBER() OVER "
+    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "ON r.lID = d.lRaumID WHERE d.stZiel <> '') WHERE k = 1) AS m WHERE T_Differenzliste.stIstInvNR = m.nr"};
 // stQuarn keeps only rooms outside the order.
 constexpr JetSql kGefundenQuarnLeeren{
     R"jet(UPDATE t_Differenzliste INNER JOIN t_Raum ON t_Differenzliste.stQuarn = t_Raum.stRaumNr SET t_Differenzliste.stQuarn = "";)jet",
