@@ -1,18 +1,21 @@
 // QInventur: stocktaking orders beside Quarn.
 
+#include "FileSystem.h"
 #include "QtUserInteraction.h"
+#include "frmMain.h"
 
 #include <QApplication>
-#include <QMainWindow>
 
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("QInventur"));
     QApplication::setApplicationVersion(QStringLiteral(QINVENTUR_VERSION));
-    QMainWindow window;
-    window.setWindowTitle(QStringLiteral("QInventur"));
-    window.resize(640, 420);
+
+    qi::QtUserInteraction ui;
+    qi::frmMain window(ui, qi::programFolder());
+    ui.setParent(&window);
+    window.Form_Load();
     window.show();
     return app.exec();
 }
