@@ -33,12 +33,24 @@ std::unique_ptr<Database> openHostFile(const std::string& database, std::string&
     return nullptr;
 }
 
-/// The module's table prefix, checked: only the three known prefixes become part of a statement.
-const std::string& checkedPrefix(const std::string& prefix)
+/// Index 0, 1 or 2 of the module's table prefix; only the three known prefixes become part of a statement.
+int prefixIndex(const std::string& prefix)
 {
-    if (prefix != "T_I" && prefix != "T_T" && prefix != "T_B")
-        throw DbError(dberr::InputTableNotFound, "Unbekannter Tabellenpräfix '" + prefix + "'.");
-    return prefix;
+    if (prefix == "T_I")
+        return 0;
+    if (prefix == "T_T")
+        return 1;
+    if (prefix == "T_B")
+        return 2;
+    throw DbError(dberr::InputTableNotFound, "Unbekannter Tabellenpräfix '" + prefix + "'.");
+}
+
+/// The statement text for each module, built once: `make` gets the prefix.
+template <class Make>
+const std::string& moduleSql(const std::string& prefix, Make make)
+{
+    static const std::string texts[3] = {make("T_I"), make("T_T"), make("T_B")};
+    return texts[prefixIndex(prefix)];
 }
 
 std::string text(const Statement& st, int column) { return toText(st.column(column)); }
@@ -146,11 +158,11 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
         return false;
     }
     try {
-        const std::string& p = checkedPrefix(prefix_);
-        Statement& st = obj_->prepare("SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " +
-                                      p + "Artikel a ON a.lId = o.lArtikelId "
-                                      "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 "
-                                      "ORDER BY o.stName");
+        Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
+            return "SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " + p +
+                   "Artikel a ON a.lId = o.lArtikelId "
+                   "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 ORDER BY o.stName";
+        }));
         st.bindAll({std::int64_t{roomId}});
         while (st.step())
             objects.push_back(RoomObject{text(st, 0), text(st, 1), text(st, 2)});
@@ -179,9 +191,11 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
 {
     if (!db_)
         throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
-    const std::string& p = checkedPrefix(prefix_);
-    Statement& st = db_->prepare("SELECT a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " +
-                                 p + "Artikel a ON a.lId = o.lArtikelId WHERE o.stName = ?1 ORDER BY o.lId LIMIT 1");
+    // stName is unique in Quarn's object tables: at most one row.
+    Statement& st = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        return "SELECT a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " + p +
+               "Artikel a ON a.lId = o.lArtikelId WHERE o.stName = ?1";
+    }));
     st.bindAll({invNr});
     std::optional<HostObject> found;
     if (st.step())
@@ -205,8 +219,10 @@ std::optional<std::string> QArtikelDb::FindDescription(const std::string& artNr)
 {
     if (!db_)
         throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
-    const std::string& p = checkedPrefix(prefix_);
-    Statement& st = db_->prepare("SELECT stName FROM " + p + "Artikel WHERE stArtNr = ?1 ORDER BY lId LIMIT 1");
+    // Several articles may share a number; the first one counts.
+    Statement& st = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        return "SELECT stName FROM " + p + "Artikel WHERE stArtNr = ?1 ORDER BY lId LIMIT 1";
+    }));
     st.bindAll({artNr});
     std::optional<std::string> found;
     if (st.step())
