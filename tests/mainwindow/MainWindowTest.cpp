@@ -404,6 +404,36 @@ TEST_F(MainWindowTest, OpeningAnOrderOpensItsDatabaseRelinksAndShowsTheWorkWindo
     window->workWindow()->close();
 }
 
+TEST_F(MainWindowTest, WholeRoadOfTwoOrders)
+{
+    load();
+    newOrder("Alpha");
+    window->script.push_back(enter("Alpha"));
+    window->script.push_back(enter("Beta", "Schulz"));
+    window->mnuDateiFkt_Click(menuindex::NewOrder);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Es existiert bereits ein Auftrag mit diesem Namen!");
+    ASSERT_EQ(registerRows().size(), 2u);
+
+    select("Alpha");
+    window->lvAuftraege_DblClick();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    const std::string proj = window->settings().gstProjektPfad;
+    EXPECT_EQ(toText(Database::open(orderFile("Alpha"))->scalar("SELECT stAuftrag FROM T_Auftrag")), "Alpha");
+    EXPECT_EQ(registerRows()[0].stPfad, "\\Inventur\\Alpha.mdb");
+    EXPECT_EQ(LinkedDatabase::open(reportDb)->connect("T_Auftrag"), ";DATABASE=" + proj + "Inventur\\Alpha.mdb");
+    window->workWindow()->close();
+    window->Form_Paint();
+    EXPECT_EQ(window->orderDb(), nullptr);
+
+    select("Beta");
+    window->mnuDateiFkt_Click(menuindex::DeleteOrder);
+    EXPECT_FALSE(fileExists(orderFile("Beta")));
+    EXPECT_TRUE(fileExists(orderFile("Alpha")));
+    EXPECT_TRUE(folderExists(projectDir + "Inventur"));
+    EXPECT_EQ(registerRows().size(), 1u);
+}
+
 TEST_F(MainWindowTest, OrderPathWithoutLeadingBackslashIsOpenedAsItStands)
 {
     load();
