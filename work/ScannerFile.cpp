@@ -25,11 +25,20 @@ std::string normaliseRoom(const std::string& field)
     return trimBlanks(field.substr(zeros));
 }
 
+bool ScannerFile::nextRecord()
+{
+    while (reader_.readLine(line_))
+        if (FieldCount(line_, kSeparator) >= kScanFieldCount)
+            return true;
+    line_.clear();
+    return false;
+}
+
+std::string ScannerFile::field(std::int16_t n) const { return GetField(line_, kSeparator, n); }
+
 bool ScannerFile::next(ScanRecord& r)
 {
-    while (reader_.readLine(line_)) {
-        if (FieldCount(line_, kSeparator) < kScanFieldCount)
-            continue;
+    if (nextRecord()) {
         r.stMitarbNr = GetField(line_, kSeparator, 1);
         r.stAuftragsNr = GetField(line_, kSeparator, 2);
         r.Datum = GetField(line_, kSeparator, 3);

@@ -40,6 +40,10 @@ public:
     /// The next record, skipping lines with fewer than 8 fields; false at the end.
     /// DbError 6 "Überlauf" for a line of more than 32767 fields.
     bool next(ScanRecord& record);
+    /// Moves to the next record without picking its fields; false at the end.
+    bool nextRecord();
+    /// Field n (from 1) of the current record, as read.
+    std::string field(std::int16_t n) const;
     /// The next raw line without any check (for the date of a data file); false at the end.
     bool nextLine(std::string& line) { return reader_.readLine(line); }
     /// Lines read so far, records and skipped lines alike.

@@ -145,11 +145,10 @@ bool frmWork::RaeumeNichtInAuftrag()
 {
     try {
         ScannerFile file(f_stfilename);
-        ScanRecord r;
         // Rooms known to belong to the order need not be asked again.
         std::unordered_set<std::string> inOrder;
-        while (file.next(r)) {
-            const std::string room = normaliseRoom(r.stRaum);
+        while (file.nextRecord()) {
+            const std::string room = normaliseRoom(file.field(5));
             if (inOrder.count(room))
                 continue;
             if (!f_DBAuftrag.RaumImAuftrag(room))
@@ -167,12 +166,11 @@ bool frmWork::VerschiedeneTage()
 {
     try {
         ScannerFile file(f_stfilename);
-        ScanRecord r;
-        if (!file.next(r))
+        if (!file.nextRecord())
             return false;
-        const std::string first = r.Datum;
-        while (file.next(r))
-            if (r.Datum != first)
+        const std::string first = file.field(3);
+        while (file.nextRecord())
+            if (file.field(3) != first)
                 return true;
         return false;
     } catch (const std::exception& e) {
@@ -186,11 +184,10 @@ bool frmWork::RaeumeVorhanden()
 {
     try {
         ScannerFile file(f_stfilename);
-        ScanRecord r;
         // Rooms known to have no scan data need not be asked again.
         std::unordered_set<std::string> withoutScans;
-        while (file.next(r)) {
-            const std::string room = normaliseRoom(r.stRaum);
+        while (file.nextRecord()) {
+            const std::string room = normaliseRoom(file.field(5));
             if (withoutScans.count(room))
                 continue;
             if (f_DBAuftrag.RaumVorhanden(room))
