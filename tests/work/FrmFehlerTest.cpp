@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QLabel>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
@@ -146,6 +147,27 @@ TEST_F(FrmFehlerTest, QtUserInteractionShowsThePluggedDialog)
     });
     EXPECT_TRUE(ui.resolveConflict(sample()));
     EXPECT_EQ(shownInvNr, QStringLiteral("INV-7"));
+}
+
+TEST_F(FrmFehlerTest, QtProgressShowsTheFileAndGoesAwayAtTheEnd)
+{
+    QtUserInteraction ui;
+    ui.beginProgress("Scannerdaten werden eingelesen");
+    ui.beginProgress("innen"); // nested: the outer dialog stays
+    ui.reportProgress("scan1.dat", 1000);
+    QProgressDialog* shown = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* p = qobject_cast<QProgressDialog*>(w); p && p->isVisible())
+            shown = p;
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(shown->windowTitle(), QStringLiteral("Scannerdaten werden eingelesen"));
+    EXPECT_TRUE(shown->labelText().contains(QStringLiteral("scan1.dat")));
+    EXPECT_TRUE(shown->labelText().contains(QStringLiteral("1000")));
+    ui.endProgress();
+    ui.endProgress();
+    ui.endProgress(); // one end too many does no harm
+    for (QWidget* w : QApplication::topLevelWidgets())
+        EXPECT_EQ(qobject_cast<QProgressDialog*>(w), nullptr);
 }
 
 } // namespace
