@@ -16,8 +16,9 @@ QApplication& app()
     static int argc = 1;
     static char name[] = "test_host";
     static char* argv[] = {name, nullptr};
-    static QApplication instance(argc, argv);
-    return instance;
+    // Kept to the end of the process: destroying it among the static objects is not safe.
+    static QApplication* instance = new QApplication(argc, argv);
+    return *instance;
 }
 
 class TreeTest : public ::testing::Test {
