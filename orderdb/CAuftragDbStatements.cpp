@@ -1,6 +1,10 @@
 #include "CAuftragDb.h"
 
+#include "JetCollation.h"
 #include "JetSql.h"
+
+#include <algorithm>
+#include <vector>
 
 #include <cstdint>
 #include <memory>
@@ -48,18 +52,20 @@ constexpr std::string_view kDiffPassRows =
 
 // ------------------------------------------------------------ lines of each room
 
-// The rooms met in the scans; in SQLite the largest number of lines of one room, which
-// is the last value the room's counter reaches.
+// The rooms met in the scans and, for each, its lines. In SQLite one pass over the
+// lines in room order finds the rooms whose lines are not yet numbered 1, 2, 3 ... in
+// storage order (new lines carry 0; gaps, doubles, lines out of order); only their
+// lines are written, since for every other room the numbering would write the numbers
+// it already has.
 constexpr JetSql kScanRooms{
     R"jet(SELECT T_DatInventur.stRaum From t_DatInventur GROUP BY t_DatInventur.stRaum;)jet",
-    "SELECT count(*) AS n FROM T_DatInventur GROUP BY stRaum ORDER BY n DESC LIMIT 1"};
-// The lines of every room numbered from 1, in storage order.
+    "SELECT stRaum, iReihenfolge, lID FROM T_DatInventur ORDER BY stRaum, iReihenfolge, lID"};
+// The lines of a room numbered from 1, in storage order.
 constexpr JetSql kScanLinesOfRoom{
     R"jet(SELECT t_DatInventur.iReihenfolge, t_DatInventur.stRaum, t_DatInventur.stInvNr From t_DatInventur WHERE t_DatInventur.stRaum=")jet"
     R"jet(" + room + ")jet"
     R"jet(";)jet",
-    "UPDATE T_DatInventur SET iReihenfolge = p.n FROM (SELECT lID, ROW_NUMBER() OVER "
-    "(PARTITION BY stRaum ORDER BY lID) AS n FROM T_DatInventur) AS p WHERE T_DatInventur.lID = p.lID"};
+    "UPDATE T_DatInventur SET iReihenfolge = ?2 WHERE lID = ?1"};
 
 // ------------------------------------------------------------ rooms
 
@@ -90,7 +96,8 @@ constexpr JetSql kStatusGroupsOfRoom{
     "UPDATE T_Raum SET ststatus = 'E', Datum = g.Datum, lDatID = g.lDatID, iAnzahl = g.Sum FROM "
     "(SELECT stRaum, Datum, lDatID, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum ORDER BY Datum, lDatID) AS k "
     "FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur GROUP BY stRaum, Datum, lDatID)) AS g "
-    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum"};
+    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum AND (T_Raum.ststatus IS NOT 'E' OR "
+    "T_Raum.Datum IS NOT g.Datum OR T_Raum.lDatID IS NOT g.lDatID OR T_Raum.iAnzahl IS NOT g.Sum)"};
 
 // Every room back to "N". The date is cleared twice and the time is left as it is.
 constexpr JetSql kResetStatusRooms{
@@ -229,9 +236,54 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
     return guarded(
         [&] {
             Database& d = db();
-            // A room with more lines than the 16-bit counter reaches fails before anything is written.
-            checkedInt16(toLong(d.scalar(kScanRooms.sqlite)));
-            d.execute(kScanLinesOfRoom.sqlite);
+            struct Line {
+                std::int64_t id;
+                std::int64_t number;
+            };
+            std::vector<std::vector<Line>> todo;
+            std::vector<Line> room;
+            bool inOrder = true;
+            std::string current;
+            const auto closeRoom = [&] {
+                // A room with more lines than the 16-bit counter reaches fails before anything is written.
+                checkedInt16(std::int64_t(room.size()));
+                if (!inOrder)
+                    todo.push_back(std::move(room));
+                room.clear();
+                inOrder = true;
+            };
+            Statement& lines = d.prepare(kScanRooms.sqlite);
+            lines.bindAll({});
+            while (lines.step()) {
+                std::string raum = toText(lines.column(0));
+                const Line line{toLong(lines.column(2)), toLong(lines.column(1))};
+                if (!room.empty() && raum != current && !jetEqual(raum, current))
+                    closeRoom();
+                current = std::move(raum);
+                if (line.number != std::int64_t(room.size()) + 1 || (!room.empty() && room.back().id > line.id))
+                    inOrder = false;
+                room.push_back(line);
+            }
+            lines.reset();
+            if (!room.empty())
+                closeRoom();
+            if (todo.empty())
+                return true;
+            Database::Transaction tx(d);
+            Statement& write = d.prepare(kScanLinesOfRoom.sqlite);
+            for (auto& r : todo) {
+                std::sort(r.begin(), r.end(), [](const Line& x, const Line& y) { return x.id < y.id; });
+                std::int16_t counter = 0;
+                for (const Line& line : r) {
+                    incrementInt16(counter);
+                    if (line.number == counter)
+                        continue;
+                    write.bindAll({line.id, std::int64_t{counter}});
+                    write.step();
+                }
+            }
+            write.reset();
+            tx.commit();
             return true;
         },
         [&](const std::string& description) { return problem(description); });

@@ -153,8 +153,15 @@ const Value& Recordset::field(std::size_t column) const
 
 int TableInfo::column(std::string_view n) const
 {
-    const auto it = byName.find(lower(n));
-    return it == byName.end() ? -1 : it->second;
+    const auto sameName = [](std::string_view a, std::string_view b) {
+        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+                   return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+               });
+    };
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        if (sameName(columns[i].name, n))
+            return int(i);
+    return -1;
 }
 
 // ---------------------------------------------------------------- Database
@@ -282,6 +289,7 @@ void Database::executeScript(std::string_view sql)
 {
     statements_.clear();
     tables_.clear();
+    keyCache_.clear();
     char* err = nullptr;
     const std::string text(sql);
     const int rc = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, &err);
@@ -353,25 +361,51 @@ const TableInfo& Database::tableInfo(std::string_view name)
         c.isInteger16 = lower(c.declaredType) == "smallint";
         if (c.isKey)
             info.keyColumn = int(info.columns.size());
-        info.byName[lower(c.name)] = int(info.columns.size());
         info.columns.push_back(std::move(c));
     }
+    const std::string table = "\"" + info.name + "\"";
+    std::string names, marks, sets;
+    for (std::size_t i = 0; i < info.columns.size(); ++i) {
+        const std::string col = "\"" + info.columns[i].name + "\"";
+        const std::string mark = "?" + std::to_string(i + 1);
+        names += (i ? "," : "") + col;
+        marks += (i ? "," : "") + mark;
+        sets += (i ? "," : "") + col + "=" + mark;
+    }
+    info.selectByKeySql = "SELECT * FROM " + table + " WHERE rowid = ?1";
+    info.insertSql = "INSERT INTO " + table + " (" + names + ") VALUES (" + marks + ")";
+    info.updateSql = "UPDATE " + table + " SET " + sets + " WHERE rowid = ?" + std::to_string(info.columns.size() + 1);
+    info.deleteSql = "DELETE FROM " + table + " WHERE rowid = ?1";
     return tables_.emplace(key, std::move(info)).first->second;
 }
 
 std::int64_t Database::reserveAutoNumber(const TableInfo& table)
 {
     // The key is taken when the row is begun and is never handed out again,
-    // even if the row is abandoned: the sequence moves on at once.
-    const std::string maxSql = "SELECT max(rowid) FROM \"" + table.name + "\"";
-    const std::int64_t maxKey = toLong(scalar(maxSql));
+    // even if the row is abandoned. The largest key present counts too, so that
+    // rows stored with explicit keys are respected.
+    // Inside a transaction that already wrote, no other connection can write, so the
+    // last key handed out is remembered instead of being read again for every row;
+    // storing the row moves the sequence on by itself, an abandoned row does so
+    // through consumeAutoNumber.
+    const bool inWriteTransaction =
+        sqlite3_get_autocommit(db_) == 0 && sqlite3_txn_state(db_, "main") == SQLITE_TXN_WRITE;
+    if (const auto cached = keyCache_.find(table.name); inWriteTransaction && cached != keyCache_.end())
+        return ++cached->second;
+    const std::int64_t maxKey = toLong(scalar("SELECT max(rowid) FROM \"" + table.name + "\""));
     const Value seq = scalar("SELECT seq FROM sqlite_sequence WHERE name = ?1", {table.name});
     const std::int64_t next = std::max(maxKey, isNull(seq) ? 0 : toLong(seq)) + 1;
     if (isNull(seq))
         execute("INSERT INTO sqlite_sequence(name, seq) VALUES (?1, ?2)", {table.name, next});
     else
         execute("UPDATE sqlite_sequence SET seq = ?2 WHERE name = ?1", {table.name, next});
+    keyCache_[table.name] = next;
     return next;
+}
+
+void Database::consumeAutoNumber(const TableInfo& table, std::int64_t key)
+{
+    execute("UPDATE sqlite_sequence SET seq = max(seq, ?2) WHERE name = ?1", {table.name, key});
 }
 
 // ---------------------------------------------------------------- Transaction
@@ -399,6 +433,7 @@ void Database::Transaction::commit()
     if (!open_)
         return;
     open_ = false;
+    db_.keyCache_.clear();
     char* err = nullptr;
     const int rc = sqlite3_exec(db_.db_, ("RELEASE " + name_).c_str(), nullptr, nullptr, &err);
     sqlite3_free(err);
@@ -411,6 +446,7 @@ void Database::Transaction::rollback()
     if (!open_)
         return;
     open_ = false;
+    db_.keyCache_.clear();
     sqlite3_exec(db_.db_, ("ROLLBACK TO " + name_ + "; RELEASE " + name_).c_str(), nullptr, nullptr, nullptr);
 }
 

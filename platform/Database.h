@@ -83,9 +83,10 @@ struct TableInfo {
     std::string name; ///< as spelled in the schema
     std::vector<ColumnInfo> columns;
     int keyColumn = -1;
-    /// Column position by lower-case name.
-    std::unordered_map<std::string, int> byName;
-    int column(std::string_view name) const; ///< -1 if unknown
+    /// Column position by name, letter case ignored; -1 if unknown.
+    int column(std::string_view name) const;
+    /// The statements a table recordset runs, made once per table.
+    std::string selectByKeySql, insertSql, updateSql, deleteSql;
 };
 
 /// One open database file.
@@ -120,6 +121,8 @@ public:
 
     /// Key value that the next AddNew of `table` gets; the number is consumed at once.
     std::int64_t reserveAutoNumber(const TableInfo& table);
+    /// Marks a reserved key as used although its row was abandoned, so that it is never handed out again.
+    void consumeAutoNumber(const TableInfo& table, std::int64_t key);
 
     /// Builds the DbError for an SQLite result code on this connection.
     DbError errorFor(int rc, std::string_view sql = {}) const;
@@ -150,6 +153,8 @@ private:
     int savepointCounter_ = 0;
     std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
     std::map<std::string, TableInfo> tables_;
+    /// Last AutoNumber handed out per table, trusted only inside a write transaction.
+    std::unordered_map<std::string, std::int64_t> keyCache_;
 };
 
 } // namespace qi

@@ -58,6 +58,18 @@ int jetCompare(std::string_view a, std::string_view b)
     a = trimTrailingBlanks(a);
     b = trimTrailingBlanks(b);
     std::size_t i = 0, j = 0;
+    // Plain ASCII needs no decoding: fold the letters and compare byte by byte.
+    while (i < a.size() && j < b.size()) {
+        const auto ca = static_cast<unsigned char>(a[i]);
+        const auto cb = static_cast<unsigned char>(b[j]);
+        if ((ca | cb) & 0x80)
+            break;
+        const char32_t fa = fold(ca), fb = fold(cb);
+        if (fa != fb)
+            return fa < fb ? -1 : 1;
+        ++i;
+        ++j;
+    }
     while (i < a.size() && j < b.size()) {
         const char32_t ca = fold(decode(a, i));
         const char32_t cb = fold(decode(b, j));

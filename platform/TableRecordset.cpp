@@ -8,29 +8,6 @@ namespace {
 
 std::string quoted(const std::string& name) { return "\"" + name + "\""; }
 
-std::string selectByKeySql(const TableInfo& t)
-{
-    return "SELECT * FROM " + quoted(t.name) + " WHERE rowid = ?1";
-}
-
-std::string insertSql(const TableInfo& t)
-{
-    std::string cols, marks;
-    for (std::size_t i = 0; i < t.columns.size(); ++i) {
-        cols += (i ? "," : "") + quoted(t.columns[i].name);
-        marks += (i ? ",?" : "?") + std::to_string(i + 1);
-    }
-    return "INSERT INTO " + quoted(t.name) + " (" + cols + ") VALUES (" + marks + ")";
-}
-
-std::string updateSql(const TableInfo& t)
-{
-    std::string sets;
-    for (std::size_t i = 0; i < t.columns.size(); ++i)
-        sets += (i ? "," : "") + quoted(t.columns[i].name) + "=?" + std::to_string(i + 1);
-    return "UPDATE " + quoted(t.name) + " SET " + sets + " WHERE rowid = ?" + std::to_string(t.columns.size() + 1);
-}
-
 [[noreturn]] void noCurrentRecord() { throw DbError(dberr::NoCurrentRecord, "Kein aktueller Datensatz."); }
 
 } // namespace
@@ -39,6 +16,24 @@ TableRecordset::TableRecordset(Database& db, std::string_view table) : db_(db), 
 {
     if (info_.keyColumn < 0)
         throw DbError(dberr::ItemNotFound, "Die Tabelle '" + info_.name + "' hat keinen Primärschlüssel.");
+}
+
+TableRecordset::~TableRecordset()
+{
+    try {
+        abandonNew();
+    } catch (...) {
+        // The key may be handed out again only if the whole transaction is undone.
+    }
+}
+
+void TableRecordset::abandonNew()
+{
+    if (mode_ != Mode::Add)
+        return;
+    mode_ = Mode::None;
+    hasCurrent_ = false;
+    db_.consumeAutoNumber(info_, toLong(current_[std::size_t(info_.keyColumn)]));
 }
 
 void TableRecordset::setIndex(std::string_view name)
@@ -51,7 +46,7 @@ bool TableRecordset::seek(std::int64_t key)
 {
     if (mode_ != Mode::None)
         cancelUpdate();
-    Statement& st = db_.prepare(selectByKeySql(info_));
+    Statement& st = db_.prepare(info_.selectByKeySql);
     st.bindAll({key});
     noMatch_ = !st.step();
     if (!noMatch_) {
@@ -126,12 +121,12 @@ void TableRecordset::update()
     if (mode_ == Mode::None)
         throw DbError(dberr::UpdateWithoutEdit, "Aktualisieren ohne AddNew oder Edit.");
     if (mode_ == Mode::Add) {
-        Statement& st = db_.prepare(insertSql(info_));
+        Statement& st = db_.prepare(info_.insertSql);
         st.bindAll(current_);
         st.step();
         st.reset();
     } else {
-        Statement& st = db_.prepare(updateSql(info_));
+        Statement& st = db_.prepare(info_.updateSql);
         st.bindAll(current_);
         st.bind(int(info_.columns.size() + 1), current_[std::size_t(info_.keyColumn)]);
         st.step();
@@ -145,7 +140,7 @@ void TableRecordset::update()
 void TableRecordset::cancelUpdate()
 {
     if (mode_ == Mode::Add)
-        hasCurrent_ = false;
+        abandonNew();
     mode_ = Mode::None;
 }
 
@@ -153,7 +148,7 @@ void TableRecordset::remove()
 {
     if (!hasCurrent_ || mode_ == Mode::Add)
         noCurrentRecord();
-    db_.execute("DELETE FROM " + quoted(info_.name) + " WHERE rowid = ?1", {current_[std::size_t(info_.keyColumn)]});
+    db_.execute(info_.deleteSql, {current_[std::size_t(info_.keyColumn)]});
     hasCurrent_ = false;
     mode_ = Mode::None;
 }

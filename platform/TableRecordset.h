@@ -15,6 +15,10 @@ class TableRecordset {
 public:
     /// Opens the table; DbError 3078 when the database has no such table.
     TableRecordset(Database& db, std::string_view table);
+    /// A row still pending is abandoned; its key stays consumed.
+    ~TableRecordset();
+    TableRecordset(const TableRecordset&) = delete;
+    TableRecordset& operator=(const TableRecordset&) = delete;
 
     /// Chooses the index for Seek; only "PrimaryKey" (the AutoNumber key) exists.
     void setIndex(std::string_view name);
@@ -51,6 +55,8 @@ public:
 private:
     enum class Mode { None, Add, Edit };
     int columnIndex(std::string_view column) const;
+    /// Gives up a pending new row; its key stays consumed.
+    void abandonNew();
     void loadAll();
 
     Database& db_;
