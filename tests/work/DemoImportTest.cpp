@@ -1,0 +1,220 @@
+// The demo project's scanner files go through the import as a user would add
+// them to an order of the ground-floor rooms, and the reconciliation statements
+// then find every difference category in them.
+
+#include "DemoInstallation.h"
+#include "FileSystem.h"
+#include "QuarnHost.h"
+#include "ScannerFile.h"
+#include "Settings.h"
+#include "TestSupport.h"
+#include "bGeneral.h"
+#include "frmWork.h"
+
+#include <map>
+#include <set>
+
+using namespace qi;
+
+namespace {
+
+constexpr const char* k3b = "3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.";
+
+/// Normalised rooms of a scanner file's records.
+std::set<std::string> roomsOf(const demo::ScanFile& f)
+{
+    std::set<std::string> rooms;
+    for (const std::string& line : f.lines)
+        if (FieldCount(line, ",") >= 8)
+            rooms.insert(normaliseRoom(GetField(line, ",", 5)));
+    return rooms;
+}
+
+class DemoImport : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        project = dir.path() + "/Demo";
+        sizes = demo::smallSizes();
+        demo::writeDemoProject(sizes, project, "");
+        inst = demo::buildInstallation(sizes);
+        scanFiles = demo::scannerFiles(inst, 0);
+        ASSERT_EQ(scanFiles.size(), 4u);
+
+        settings.gstProjektPfad = project + "/";
+        settings.gstProjekttyp = "ptJet";
+        settings.gstAppPfad = dir.path();
+        settings.giModul = 0;
+
+        ASSERT_TRUE(createFolder(project + "/Inventur"));
+        dbFile = project + "/Inventur/Demo.mdb";
+        test::makeOrderDatabase(dbFile);
+        db.setDbPath(dbFile);
+        ASSERT_TRUE(db.OpenDb()) << db.LastError();
+
+        // The order: every room of the two ground-floor files.
+        std::set<std::string> orderRooms = roomsOf(scanFiles[0]);
+        const std::set<std::string> second = roomsOf(scanFiles[1]);
+        orderRooms.insert(second.begin(), second.end());
+        for (const demo::Room& r : inst.rooms) {
+            if (!orderRooms.count(r.nr))
+                continue;
+            CRaumRec room;
+            room.lIdRB = r.id;
+            room.stRaumNr = r.nr;
+            room.ststatus = "N";
+            room.stAuftrag = "Demo";
+            ASSERT_TRUE(db.AddNewRaumRec(&room)) << db.LastError();
+            roomIds[r.nr] = r.id;
+        }
+        ASSERT_EQ(roomIds.size(), orderRooms.size());
+    }
+
+    std::string path(int file) const { return project + "/" + scanFiles[std::size_t(file)].name; }
+
+    bool hasMessage(const std::string& text, MsgIcon icon) const
+    {
+        for (const RecordedMessage& m : ui.messages)
+            if (m.text == text && m.icon == icon && m.title == "Quarn-Inventur" && m.buttons == MsgButtons::Ok)
+                return true;
+        return false;
+    }
+
+    test::TempDir dir;
+    std::string project, dbFile;
+    demo::Sizes sizes;
+    demo::Installation inst;
+    std::vector<demo::ScanFile> scanFiles;
+    Settings settings;
+    ScriptedUserInteraction ui;
+    CAuftragDb db{ui};
+    std::map<std::string, std::int32_t> roomIds;
+};
+
+} // namespace
+
+TEST_F(DemoImport, ScannerFilesImportWithTheirWarningsConflictsAndRefusals)
+{
+    frmWork w(db, settings, ui);
+    ASSERT_TRUE(w.Init());
+    ASSERT_TRUE(w.InitData());
+    for (int i = 0; i < 4; ++i)
+        ui.fileChoices.push_back(path(i));
+    ui.conflictAnswers = {false, true}; // keep the first within a file, take the second across files
+
+    for (int i = 0; i < 4; ++i)
+        w.pbAdd_Click();
+
+    // Part one: a line without number and an object counted twice in one room.
+    EXPECT_TRUE(hasMessage("In der Datei '" + path(0) + "' steht ein Datensatz ohne Objektnummer.", MsgIcon::None));
+    bool sameRoomWarning = false;
+    for (const RecordedMessage& m : ui.messages)
+        sameRoomWarning |= m.text.rfind("Warnung: Im Raum ", 0) == 0 && m.icon == MsgIcon::Exclamation &&
+                           m.text.find("' mehrfach eingescannt worden.") != std::string::npos;
+    EXPECT_TRUE(sameRoomWarning);
+    // The two other files are refused before anything is written.
+    EXPECT_TRUE(hasMessage("In der Datei sind Daten an verschiedenen Tagen aufgenommen worden. Bearbeiten Sie bitte "
+                           "die Textdatei.",
+                           MsgIcon::None));
+    EXPECT_TRUE(hasMessage("In der Datei sind Räume enthalten, die nicht zum Auftrag gehören. Bearbeiten Sie bitte "
+                           "die Textdatei.",
+                           MsgIcon::None));
+    for (const RecordedMessage& m : ui.messages)
+        EXPECT_NE(m.icon, MsgIcon::Critical) << m.text;
+
+    // Two conflicts: one within part one, one across the two parts.
+    ASSERT_EQ(ui.conflicts.size(), 2u);
+    EXPECT_EQ(ui.conflicts[0].stDateiAlt, "Scan_EG_Teil1.dat");
+    EXPECT_EQ(ui.conflicts[0].stDateiNeu, "Scan_EG_Teil1.dat");
+    EXPECT_NE(ui.conflicts[0].stRaumAlt, ui.conflicts[0].stRaumNeu);
+    EXPECT_EQ(ui.conflicts[1].stDateiAlt, "Scan_EG_Teil1.dat");
+    EXPECT_EQ(ui.conflicts[1].stDateiNeu, "Scan_EG_Teil2.dat");
+    EXPECT_EQ(ui.conflicts[1].stDatumAlt, "14.03.2025");
+    EXPECT_EQ(ui.conflicts[1].stDatumNeu, "17.03.2025");
+
+    CDateienRecColl files;
+    ASSERT_TRUE(db.ReadAllDateienRec2Coll(files));
+    ASSERT_EQ(files.Count(), 2);
+    EXPECT_EQ(files.Item(1)->stName, "Scan_EG_Teil1.dat");
+    EXPECT_EQ(files.Item(1)->Datum, "14.03.2025");
+
+    // One row per distinct inventory number of the two parts.
+    std::set<std::string> numbers;
+    for (int f = 0; f < 2; ++f)
+        for (const std::string& line : scanFiles[std::size_t(f)].lines)
+            if (FieldCount(line, ",") >= 8) {
+                const std::string nr = trimBlanks(GetField(line, ",", 6));
+                numbers.insert(nr.empty() ? "Obj. ohne Nr." : nr);
+            }
+    CDatInventurRecColl scans;
+    ASSERT_TRUE(db.ReadAllDatInventurRec2Coll(scans));
+    EXPECT_EQ(std::size_t(scans.Count()), numbers.size());
+
+    // The object taken over from part two carries its room, date and file now.
+    const std::string across = ui.conflicts[1].stInvNr;
+    for (const CDatInventurRec& s : scans) {
+        EXPECT_TRUE(roomIds.count(s.stRaum)) << "room " << s.stRaum << " is not one of the order";
+        EXPECT_GT(s.iReihenfolge, 0);
+        if (s.stInvNr == across) {
+            EXPECT_EQ(s.stRaum, ui.conflicts[1].stRaumNeu);
+            EXPECT_EQ(s.Datum, "17.03.2025");
+            EXPECT_EQ(s.lDatID, files.Item(2)->lID);
+        }
+    }
+    CRaumRecColl rooms;
+    ASSERT_TRUE(db.ReadAllRaumRec2Coll(rooms));
+    for (const CRaumRec& r : rooms)
+        EXPECT_EQ(r.ststatus, "E") << r.stRaumNr;
+}
+
+TEST_F(DemoImport, ReconciliationFindsEveryCategory)
+{
+    frmWork w(db, settings, ui);
+    ASSERT_TRUE(w.Init());
+    ui.fileChoices = {path(0), path(1)};
+    ui.conflictAnswers = {false, true};
+    w.pbAdd_Click();
+    w.pbAdd_Click();
+
+    // The Soll rows as the evaluation writes them: one per object standing in a room of the order.
+    QGebDb geb;
+    ASSERT_TRUE(geb.Open(dir.path(), project + "/QGebaeude.mdb")) << geb.LastError();
+    ASSERT_TRUE(geb.OpenObjects(project + "/QOvInventar.mdb", "T_I")) << geb.LastError();
+    CRaumRecColl rooms;
+    ASSERT_TRUE(db.ReadAllRaumRec2Coll(rooms));
+    for (const CRaumRec& r : rooms) {
+        std::vector<RoomObject> objects;
+        ASSERT_TRUE(geb.GetObjectsOfRoom(r.lIdRB, objects)) << geb.LastError();
+        for (const RoomObject& o : objects) {
+            CDifferenzlisteRec d;
+            d.lRaumID = r.lID;
+            d.stSollInvNR = o.stName;
+            d.stBeschreibung = o.stBeschreibung;
+            d.stArtNr = o.stArtNr;
+            d.stTyp = k3b;
+            ASSERT_TRUE(db.AddNewDifferenzlisteRec(&d)) << db.LastError();
+        }
+    }
+    ASSERT_TRUE(db.MakeIstInvOk());
+    ASSERT_TRUE(db.MakeIstScanExtra());
+    ASSERT_TRUE(db.GetRaumGefunden());
+
+    CDifferenzlisteRecColl list;
+    ASSERT_TRUE(db.ReadAllDifferenzlisteRec2Coll(list));
+    std::map<std::string, int> byType;
+    QObjektDb objects;
+    ASSERT_TRUE(objects.Open(dir.path(), project + "/QOvInventar.mdb"));
+    int unknownToQuarn = 0;
+    for (const CDifferenzlisteRec& d : list) {
+        ++byType[d.stTyp.substr(0, 2)];
+        if (d.stSollInvNR.empty() && d.stQuelle.empty() && !objects.FindByInvNr(d.stIstInvNR))
+            ++unknownToQuarn; // becomes "2c Nicht in Quarn erfasst" in the evaluation
+    }
+    EXPECT_GT(byType["1 "], 0);
+    EXPECT_GT(byType["2a"], 0);
+    EXPECT_GT(byType["2b"], 0);
+    EXPECT_GT(byType["3a"], 0);
+    EXPECT_GT(byType["3b"], 0);
+    EXPECT_GT(unknownToQuarn, 0);
+    EXPECT_EQ(ui.messages.size(), 2u); // the two warnings of part one, nothing else
+}
