@@ -141,21 +141,30 @@ bool frmWork::InitData()
 
 // ---------------------------------------------------------------- checks
 
+namespace {
+/// True as soon as `found` answers true for the room (normalised) of a record of the
+/// file; a room that answered false is not asked again.
+template <class Found>
+bool anyRoomOfFile(const std::string& path, Found&& found)
+{
+    ScannerFile file(path);
+    std::unordered_set<std::string> asked;
+    while (file.nextRecord()) {
+        std::string room = normaliseRoom(file.field(5));
+        if (asked.count(room))
+            continue;
+        if (found(room))
+            return true;
+        asked.insert(std::move(room));
+    }
+    return false;
+}
+} // namespace
+
 bool frmWork::RaeumeNichtInAuftrag()
 {
     try {
-        ScannerFile file(f_stfilename);
-        // Rooms known to belong to the order need not be asked again.
-        std::unordered_set<std::string> inOrder;
-        while (file.nextRecord()) {
-            const std::string room = normaliseRoom(file.field(5));
-            if (inOrder.count(room))
-                continue;
-            if (!f_DBAuftrag.RaumImAuftrag(room))
-                return true;
-            inOrder.insert(room);
-        }
-        return false;
+        return anyRoomOfFile(f_stfilename, [this](const std::string& room) { return !f_DBAuftrag.RaumImAuftrag(room); });
     } catch (const std::exception& e) {
         ui_.showError("frmWork.RaeumeNichtInAuftrag", e.what());
         return false;
@@ -183,18 +192,7 @@ bool frmWork::VerschiedeneTage()
 bool frmWork::RaeumeVorhanden()
 {
     try {
-        ScannerFile file(f_stfilename);
-        // Rooms known to have no scan data need not be asked again.
-        std::unordered_set<std::string> withoutScans;
-        while (file.nextRecord()) {
-            const std::string room = normaliseRoom(file.field(5));
-            if (withoutScans.count(room))
-                continue;
-            if (f_DBAuftrag.RaumVorhanden(room))
-                return true;
-            withoutScans.insert(room);
-        }
-        return false;
+        return anyRoomOfFile(f_stfilename, [this](const std::string& room) { return f_DBAuftrag.RaumVorhanden(room); });
     } catch (const std::exception& e) {
         ui_.showError("frmWork.RaeumeVorhanden", e.what());
         return false;
