@@ -5,21 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QApplication>
 #include <QMouseEvent>
 
 namespace qi {
 namespace {
 
-QApplication& app()
-{
-    static int argc = 1;
-    static char name[] = "test_host";
-    static char* argv[] = {name, nullptr};
-    // Kept to the end of the process: destroying it among the static objects is not safe.
-    static QApplication* instance = new QApplication(argc, argv);
-    return *instance;
-}
+QApplication& app() { return test::qtApplication(); }
 
 class TreeTest : public ::testing::Test {
 protected:

@@ -12,6 +12,8 @@
 #include "frmMain.h"
 
 #include <QAction>
+#include "TestSupport.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QLabel>
@@ -29,15 +31,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-QApplication& app()
-{
-    static int argc = 1;
-    static char name[] = "test_mainwindow";
-    static char* argv[] = {name, nullptr};
-    // Never destroyed: Qt's own statics go first at exit.
-    static QApplication* a = new QApplication(argc, argv);
-    return *a;
-}
+QApplication& app() { return test::qtApplication(); }
 
 /// The main window with the user's part in its modal dialogs played from a script.
 class ScriptedMain : public frmMain {

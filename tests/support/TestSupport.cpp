@@ -3,6 +3,8 @@
 #include "CInventurDb.h"
 #include "OrderSchema.h"
 
+#include <QApplication>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -56,6 +58,15 @@ std::string readFile(const std::string& path)
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+QApplication& qtApplication()
+{
+    static int argc = 1;
+    static char name[] = "qinventur-test";
+    static char* argv[] = {name, nullptr};
+    static QApplication* app = new QApplication(argc, argv);
+    return *app;
 }
 
 void OrderDbTest::SetUp()

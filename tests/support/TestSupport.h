@@ -8,7 +8,13 @@
 
 #include <string>
 
+class QApplication;
+
 namespace qi::test {
+
+/// The one application object of a test program that shows widgets (offscreen).
+/// It is never destroyed: Qt's own statics must not go before it at exit.
+QApplication& qtApplication();
 
 /// A fresh, empty folder that is removed with the object.
 class TempDir {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGroupBox>
@@ -18,14 +20,7 @@
 namespace qi {
 namespace {
 
-QApplication& app()
-{
-    static int argc = 1;
-    static char name[] = "test_work";
-    static char* argv[] = {name, nullptr};
-    static QApplication a(argc, argv);
-    return a;
-}
+QApplication& app() { return test::qtApplication(); }
 
 ConflictInfo sample()
 {
