@@ -635,7 +635,8 @@ TEST_F(MainWindowTest, ScreenshotRendersOffscreen)
     QApplication::processEvents();
     const QPixmap shot = window->grab();
     ASSERT_FALSE(shot.isNull());
-    const QString file = QDir::current().absoluteFilePath(QStringLiteral("frmMain.png"));
+    // Kept beside the test program, so that a person can look at it after the run.
+    const QString file = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("frmMain.png"));
     ASSERT_TRUE(shot.save(file, "PNG"));
     EXPECT_GT(fs::file_size(file.toStdString()), 1000u);
 }
