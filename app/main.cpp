@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "QtUserInteraction.h"
+#include "frmFehler.h"
 #include "frmMain.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QStringLiteral(QINVENTUR_VERSION));
 
     qi::QtUserInteraction ui;
+    qi::installFrmFehler(ui);
     qi::frmMain window(ui, qi::programFolder());
     ui.setParent(&window);
     window.Form_Load();
