@@ -46,6 +46,7 @@ int main(int argc, char** argv)
     constexpr int kLookups = 100000;
     int found = 0;
     t = std::chrono::steady_clock::now();
+    qi::QObjektDb::LookupBatch batch(obj);
     for (int i = 0; i < kLookups; ++i) {
         // Nine known numbers, then an unknown one, as a scanner file of a busy day might bring.
         const std::string nr = i % 10 == 9 ? "X" + std::to_string(i) : objects[std::size_t(i * 7919) % objects.size()].name;

@@ -204,6 +204,22 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
     return found;
 }
 
+QObjektDb::LookupBatch::LookupBatch(QObjektDb& objects)
+{
+    if (objects.db_)
+        tx_ = std::make_unique<Database::Transaction>(*objects.db_);
+}
+
+QObjektDb::LookupBatch::~LookupBatch()
+{
+    try {
+        if (tx_)
+            tx_->commit();
+    } catch (...) {
+        // Ending a read changes nothing; the destructor of the transaction cleans up.
+    }
+}
+
 // ---------------------------------------------------------------- QArtikelDb
 
 QArtikelDb::QArtikelDb() = default;

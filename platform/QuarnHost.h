@@ -6,6 +6,8 @@
 // For Jet projects the database argument of Open is the path of a Quarn file;
 // for ODBC projects it is the connection string.
 
+#include "Database.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -13,8 +15,6 @@
 #include <vector>
 
 namespace qi {
-
-class Database;
 
 /// LastError of an Open whose database argument is a connection string ("DSN=...").
 inline constexpr const char* kOdbcNotSupported = "ODBC-Projekte werden noch nicht unterstützt.";
@@ -103,6 +103,19 @@ public:
     /// The object with that inventory number (compared like Jet text: case and trailing blanks ignored),
     /// or nothing. Throws DbError when not open (with the open's failure text) or when the query fails.
     std::optional<HostObject> FindByInvNr(const std::string& invNr);
+
+    /// Many lookups in a row (a whole scanner file): while the object lives, the
+    /// object database is read as of one moment and is not locked anew for each lookup.
+    class LookupBatch {
+    public:
+        explicit LookupBatch(QObjektDb& objects);
+        ~LookupBatch();
+        LookupBatch(const LookupBatch&) = delete;
+        LookupBatch& operator=(const LookupBatch&) = delete;
+
+    private:
+        std::unique_ptr<Database::Transaction> tx_;
+    };
 
 private:
     std::unique_ptr<Database> db_;

@@ -220,6 +220,7 @@ bool frmWork::GetDataFromDat()
     std::optional<Database::Transaction> tx;
     try {
         ensureHost();
+        const QObjektDb::LookupBatch lookups(*f_GebDb);
         ScannerFile file(f_stfilename);
         ProgressScope progress(*this, kProgressTitle);
         const std::string fileName = fileNamePart(f_stfilename);
