@@ -82,7 +82,10 @@ bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath
         const std::string objectConnect = module ? kJetPrefix + settings.gstProjektPfad + module->file : "";
         const std::string masterConnect = kJetPrefix + settings.gstProjektPfad + kStammdatenFile;
 
-        if (jet && db->connect("T_Raumkern").find("ODBC") != std::string::npos) {
+        // The building link's connect string tells how the host links were made; it is read
+        // whatever the project type (a missing link fails here, before any host link changes).
+        const std::string raumkernConnect = db->connect("T_Raumkern");
+        if (jet && raumkernConnect.find("ODBC") != std::string::npos) {
             // The links were made for an ODBC project: make them anew for the Jet files.
             rebuild(*db, "T_Raumkern", connect);
             if (module) {

@@ -194,6 +194,19 @@ TEST_F(ReportLinksTest, OdbcProjectPointsTheHostLinksAtTheConnectionString)
     EXPECT_EQ(link("T_Auftrag"), ";DATABASE=" + orderA);
 }
 
+TEST_F(ReportLinksTest, MissingBuildingLinkFailsBeforeAnyHostLinkOfAnOdbcProject)
+{
+    settings.gstProjekttyp = "ptODBC";
+    settings.gstConnectionString = "ODBC;DSN=QuarnSql";
+    LinkedDatabase::open(reportDb)->execute("DROP TABLE T_Raumkern");
+    EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text,
+              "COVRpt.CheckReportMdbLink\r\nElement in dieser Auflistung nicht gefunden (T_Raumkern).");
+    EXPECT_EQ(link("T_Auftrag"), ";DATABASE=" + orderA);
+    EXPECT_EQ(link("T_IObjekt"), ";DATABASE=QOvInventar.mdb");
+}
+
 TEST_F(ReportLinksTest, UnknownProjectTypeKeepsTheOrderConnectForTheHostLinks)
 {
     settings.gstProjekttyp = "ptjet";
