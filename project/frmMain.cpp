@@ -70,9 +70,12 @@ bool liesDirectlyIn(const std::string& file, const std::string& folder)
 {
     namespace fs = std::filesystem;
     std::error_code ec1, ec2;
-    const fs::path f = fs::weakly_canonical(fs::absolute(fs::u8path(nativePath(file))), ec1);
+    // Only the folders are resolved: the file's own name is not looked up (a name too long
+    // for the file system fails later, in the copy).
+    const fs::path f = fs::absolute(fs::u8path(nativePath(file)));
+    const fs::path parent = fs::weakly_canonical(f.parent_path(), ec1);
     const fs::path d = fs::weakly_canonical(fs::absolute(fs::u8path(nativePath(folder))), ec2);
-    return !ec1 && !ec2 && f.parent_path() == d;
+    return !ec1 && !ec2 && parent == d && f.filename() != "." && f.filename() != "..";
 }
 
 } // namespace
@@ -392,14 +395,14 @@ bool frmMain::MakeDatabase(std::string& path)
 {
     try {
         const std::string name = recAuftrag_ ? recAuftrag_->stBezeichung : std::string();
+        const std::string folder = settings_.gstProjektPfad + kOrderFolder;
+        if (!folderExists(folder) && !createFolder(folder))
+            throw RunError(rterr::PathNotFound);
         if (!isPlainFileName(name))
             throw RunError(rterr::BadFileName);
-        const std::string folder = settings_.gstProjektPfad + kOrderFolder;
         const std::string target = folder + "\\" + name + ".mdb";
         if (!liesDirectlyIn(target, folder))
             throw RunError(rterr::BadFileName);
-        if (!folderExists(folder) && !createFolder(folder))
-            throw RunError(rterr::PathNotFound);
 
         const std::string source = settings_.gstProjektPfad + kTemplateOrderDb;
         if (!fileExists(source))

@@ -321,6 +321,36 @@ TEST_F(MainWindowTest, MissingOrderTemplateFailsInMakeDatabase)
     EXPECT_TRUE(registerRows().empty());
 }
 
+TEST_F(MainWindowTest, FirstOrderWithABadNameStillCreatesTheOrderFolder)
+{
+    load();
+    ASSERT_FALSE(folderExists(projectDir + "Inventur"));
+    newOrder("frage?");
+    expectMessage(0, "frmMain.MakeDatabase\r\nDateiname oder -nummer falsch", MsgButtons::Ok, MsgIcon::Critical,
+                  "QInventur");
+    EXPECT_TRUE(folderExists(projectDir + "Inventur"));
+    EXPECT_TRUE(registerRows().empty());
+}
+
+TEST_F(MainWindowTest, RefilledListLeavesTheCursorOnTheLastOrderWhichIsCurrent)
+{
+    load();
+    newOrder("Alpha");
+    newOrder("Beta");
+    newOrder("Gamma");
+    select("Alpha");
+    window->InitAuftraege();
+    CAuftragRecColl& coll = window->auftraege();
+    ASSERT_EQ(coll.Count(), 3);
+    EXPECT_EQ(coll.CurPosition(), 3);
+    // The current-order record is the collection's last element itself.
+    EXPECT_EQ(window->currentOrder(), coll.Item(3));
+    // A GetPrev from there walks on backwards to the one before it.
+    CAuftragRec* prev = nullptr;
+    ASSERT_TRUE(coll.GetPrev(prev));
+    EXPECT_EQ(prev->stBezeichung, "Beta");
+}
+
 TEST_F(MainWindowTest, SelectingMakesThatOrderCurrent)
 {
     load();
@@ -580,6 +610,10 @@ TEST_F(MainWindowTest, UnloadWithAClosedRegisterReportsTheFailure)
     window->Form_Unload();
     expectMessage(0, "frmMain.Form_Unload\r\nDer Datensatz konnte nicht aktualisiert werden!", MsgButtons::Ok,
                   MsgIcon::Critical, "QInventur");
+    // The unload stopped there: nothing was released.
+    EXPECT_NE(window->inventurDb(), nullptr);
+    EXPECT_NE(window->orderDb(), nullptr);
+    EXPECT_NE(window->gebDb(), nullptr);
 }
 
 TEST_F(MainWindowTest, QuitClosesTheWindow)
