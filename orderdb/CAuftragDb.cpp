@@ -118,12 +118,7 @@ bool CAuftragDb::AddNewDatInventurRec(CDatInventurRec* rec, bool& duplicate)
     try {
         TableRecordset rs(db(), RecordTable<Inv>::name);
         rec->lID = static_cast<std::int32_t>(rs.addNew());
-        try {
-            writeFields<Inv>(rs, *rec, kInvWrite);
-        } catch (...) {
-            rec->lID = 0;
-            throw;
-        }
+        writeFields<Inv>(rs, *rec, kInvWrite);
         try {
             rs.update();
         } catch (const DbError& e) {
@@ -133,8 +128,13 @@ bool CAuftragDb::AddNewDatInventurRec(CDatInventurRec* rec, bool& duplicate)
         }
         return true;
     } catch (const NoDatabase&) {
+        rec->lID = 0;
         return fail(failtext::Save);
     } catch (const DbError& e) {
+        rec->lID = 0;
+        return fail(failtext::Save, e);
+    } catch (const std::exception& e) {
+        rec->lID = 0;
         return fail(failtext::Save, e);
     }
 }

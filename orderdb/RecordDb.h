@@ -103,19 +103,18 @@ bool RecordDb::addNewRec(Rec* rec)
     try {
         TableRecordset rs(db(), RecordTable<Rec>::name);
         rec->lID = static_cast<std::int32_t>(rs.addNew());
-        try {
-            writeFields<Rec>(rs, *rec, RecordTable<Rec>::write);
-            rs.update();
-        } catch (...) {
-            rec->lID = 0;
-            throw;
-        }
+        writeFields<Rec>(rs, *rec, RecordTable<Rec>::write);
+        rs.update();
         return true;
     } catch (const NoDatabase&) {
+        // A record that was not stored keeps no key, whatever it held before.
+        rec->lID = 0;
         return fail(failtext::Save);
     } catch (const DbError& e) {
+        rec->lID = 0;
         return fail(failtext::Save, e);
     } catch (const std::exception& e) {
+        rec->lID = 0;
         return fail(failtext::Save, e);
     }
 }

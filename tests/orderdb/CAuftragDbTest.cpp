@@ -353,3 +353,34 @@ TEST_F(OrderDbTest, ReopenClosesFirstAndPropertiesAreKept)
     EXPECT_FALSE(db.AddNewRaumRec(&r));
     EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u);
 }
+
+TEST_F(OrderDbTest, FailedAddNewLeavesTheRecordWithoutKey)
+{
+    // No database: the text alone, and the record's old key is gone.
+    db.CloseDb();
+    CRaumRec r;
+    r.lID = 7;
+    EXPECT_FALSE(db.AddNewRaumRec(&r));
+    EXPECT_EQ(db.LastError(), "Der Datensatz konnte nicht gespeichert werden!");
+    EXPECT_EQ(r.lID, 0);
+    CDatInventurRec s = scan("1", "1");
+    s.lID = 8;
+    bool dup = true;
+    EXPECT_FALSE(db.AddNewDatInventurRec(&s, dup));
+    EXPECT_FALSE(dup);
+    EXPECT_EQ(db.LastError(), "Der Datensatz konnte nicht gespeichert werden!");
+    EXPECT_EQ(s.lID, 0);
+
+    // The engine fails before a row is begun: the description follows a line break.
+    ASSERT_TRUE(db.OpenDb());
+    db.database()->execute("DROP TABLE T_Raum");
+    db.database()->execute("DROP TABLE T_DatInventur");
+    r.lID = 7;
+    EXPECT_FALSE(db.AddNewRaumRec(&r));
+    EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u) << db.LastError();
+    EXPECT_EQ(r.lID, 0);
+    s.lID = 8;
+    EXPECT_FALSE(db.AddNewDatInventurRec(&s, dup));
+    EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u) << db.LastError();
+    EXPECT_EQ(s.lID, 0);
+}
