@@ -86,8 +86,10 @@ public:
     {
         if (!source)
             return false;
-        if (source == this)
+        if (source == this) {
+            cursor_ = 0;
             return true;
+        }
         Clear();
         for (const Rec& r : *source)
             if (!Append(&r))

@@ -241,3 +241,18 @@ TEST(RecColl, SevenPublicNamesShareOneDesign)
     EXPECT_EQ(f.Item("$2")->stTyp, "0");
     EXPECT_EQ(a.Count() + b.Count() + d.Count() + e.Count() + g.Count() + h.Count(), 0);
 }
+
+TEST(RecColl, CopyFromItselfKeepsTheElementsAndResetsCursor)
+{
+    CRaumRecColl c;
+    fill(c, {4, 5});
+    CRaumRec* r = nullptr;
+    c.GetNext(r);
+    c.GetNext(r);
+    ASSERT_EQ(c.CurPosition(), 2);
+    EXPECT_TRUE(c.CopyFrom(&c));
+    EXPECT_EQ(c.Count(), 2);
+    EXPECT_EQ(c.CurPosition(), 0);
+    ASSERT_TRUE(c.GetNext(r));
+    EXPECT_EQ(r->lID, 4);
+}
