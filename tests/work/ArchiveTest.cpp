@@ -3,6 +3,7 @@
 #include "WorkFixture.h"
 
 #include "FileSystem.h"
+#include "TextFile.h"
 
 #include <filesystem>
 
@@ -68,6 +69,33 @@ TEST_F(ArchiveTest, TextIsWrittenInWindows1252)
     store("INV-äöüß", "€-5");
     w.MakeArchive();
     EXPECT_EQ(readFile(archive()), "M7,4711,01.02.2015,10:00,1,INV-\xe4\xf6\xfc\xdf,\x80-5,E\r\n");
+}
+
+TEST_F(ArchiveTest, EveryWindows1252ByteSurvivesReadingAndWriting)
+{
+    std::string bytes;
+    for (int b = 1; b < 256; ++b)
+        if (b != '\r' && b != '\n')
+            bytes += char(b);
+    const std::string in = dir.file("alle.txt");
+    writeFile(in, bytes + "\r\n");
+    std::string line;
+    {
+        TextFileReader reader(in);
+        ASSERT_TRUE(reader.readLine(line));
+        std::string more;
+        EXPECT_FALSE(reader.readLine(more));
+    }
+    EXPECT_EQ(line.substr(line.size() - 2), "ÿ"); // byte 0xFF
+    EXPECT_NE(line.find("€"), std::string::npos); // byte 0x80
+    const std::string out = dir.file("zurueck.txt");
+    {
+        TextFileWriter writer(out);
+        writer.writeLine(line);
+        writer.writeLine("Ω und 😀"); // not in the code page
+        writer.close();
+    }
+    EXPECT_EQ(readFile(out), bytes + "\r\n? und ?\r\n");
 }
 
 TEST_F(ArchiveTest, ArchiveReadsBackAsTheSameScans)

@@ -144,6 +144,31 @@ TEST_F(FileListTest, SecondFileWithRoomsAlreadyReadIsRefusedBeforeAnyRowIsWritte
     EXPECT_FALSE(ui.busy);
 }
 
+TEST_F(FileListTest, ChecksRunInTheirOrderAndOnlyTheFirstRefusalIsShown)
+{
+    addFile(datFile("a.dat", {scanLine("1", "A")}));
+    // Foreign room, two days and a room already read: the room check of the order answers first.
+    addFile(datFile("b.dat", {scanLine("1", "B", "01.02.2015"), scanLine("9", "C", "02.02.2015")}));
+    // Two days and a room already read: the date check answers before the check of rooms read.
+    addFile(datFile("c.dat", {scanLine("1", "D", "01.02.2015"), scanLine("2", "E", "02.02.2015")}));
+    ASSERT_EQ(ui.messages.size(), 2u);
+    expectMessage(0, "In der Datei sind Räume enthalten, die nicht zum Auftrag gehören. Bearbeiten Sie bitte die Textdatei.",
+                  MsgIcon::None, "Quarn-Inventur");
+    expectMessage(1, "In der Datei sind Daten an verschiedenen Tagen aufgenommen worden. Bearbeiten Sie bitte die Textdatei.",
+                  MsgIcon::None, "Quarn-Inventur");
+    EXPECT_EQ(files().size(), 1u);
+    EXPECT_EQ(scans().size(), 1u);
+}
+
+TEST_F(FileListTest, UnreadableChosenFileEndsWithTheProcedureMessage)
+{
+    addFile(dir.file("gibt-es-nicht.dat"));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    expectMessage(0, "frmWork.pbAdd_Click\r\nDatei nicht gefunden", MsgIcon::Critical, "QInventur");
+    EXPECT_FALSE(ui.busy);
+    EXPECT_TRUE(files().empty());
+}
+
 TEST_F(FileListTest, SameFileNameFromAnotherFolderIsRefused)
 {
     addFile(datFile("a.dat", {scanLine("1", "A")}));
@@ -263,6 +288,28 @@ TEST_F(FileListTest, FileMovedAwayBlocksTheRebuild)
     w.pbNeu_Click();
     EXPECT_TRUE(ui.messages.empty());
     EXPECT_EQ(scans().size(), 1u);
+}
+
+TEST_F(FileListTest, MissingFileRemovedFromTheListLetsTheRebuildReadTheOthers)
+{
+    const std::string a = datFile("a.dat", {scanLine("1", "A")});
+    addFile(a);
+    addFile(datFile("b.dat", {scanLine("2", "B"), scanLine("2", "C")}));
+    ASSERT_TRUE(removeFile(a));
+    w.pbNeu_Click();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_TRUE(scans().empty());
+    ui.messages.clear();
+    w.pbRemove_Click(w.lvDateien[0].key, w.lvDateien[0].text);
+    ASSERT_EQ(ui.messages.size(), 1u); // only the question
+    expectMessage(0, "Die Datei 'a.dat' entfernen und Inventurdaten entsprechen verbleibenden Dateien aktualisieren ?",
+                  MsgIcon::None, "Quarn-Inventur", MsgButtons::YesNo);
+    const auto s = scans();
+    ASSERT_EQ(s.size(), 2u);
+    EXPECT_EQ(s[0].stInvNr, "B");
+    EXPECT_EQ(room("1").ststatus, "N");
+    EXPECT_EQ(room("2").ststatus, "E");
+    EXPECT_EQ(room("2").iAnzahl, 2);
 }
 
 TEST_F(FileListTest, RoomConflictDuringRebuildClearsEverything)

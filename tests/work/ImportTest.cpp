@@ -4,6 +4,15 @@
 #include "WorkFixture.h"
 
 #include "FileSystem.h"
+#include "QtUserInteraction.h"
+#include "frmFehler.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
 
 #include <random>
 
@@ -109,6 +118,75 @@ TEST_F(ImportTest, SameNumberInTwoRoomsKeepingFirstWritesNothing)
     ui.conflictAnswers.push_back(false);
     ASSERT_TRUE(import(f));
     ASSERT_EQ(ui.conflicts.size(), 1u);
+    const auto s = scans();
+    ASSERT_EQ(s.size(), 1u);
+    EXPECT_EQ(s[0].stRaum, "1");
+    EXPECT_EQ(s[0].Datum, "01.02.2015");
+}
+
+/// Imports the file through a work window whose user answers in the real conflict
+/// dialog: clicks the options named in `clicks` ("V" opVerwerfen, "B" opBehalten), then OK.
+/// Answers the dialog of every conflict the same way; returns the inventory numbers shown.
+std::vector<QString> importWithTheRealDialog(CAuftragDb& db, const Settings& settings, const std::string& path,
+                                             std::int32_t datId, const std::string& clicks)
+{
+    test::qtApplication();
+    QtUserInteraction qtUi;
+    installFrmFehler(qtUi);
+    frmWork qtWork(db, settings, qtUi);
+    qtWork.f_stfilename = path;
+    qtWork.f_lDatId = datId;
+    std::vector<QString> shown;
+    QTimer answer;
+    answer.setInterval(20);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            if (auto* f = qobject_cast<frmFehler*>(w); f && f->isVisible()) {
+                shown.push_back(f->lbInvNr->text());
+                for (const char c : clicks)
+                    (c == 'V' ? f->opVerwerfen : f->opBehalten)->click();
+                f->pbOk->click();
+            } else if (auto* m = qobject_cast<QMessageBox*>(w); m && m->isVisible()) {
+                shown.push_back(QStringLiteral("Meldung: ") + m->text());
+                m->done(0);
+            }
+        }
+    });
+    answer.start();
+    EXPECT_TRUE(qtWork.GetDataFromDat());
+    answer.stop();
+    return shown;
+}
+
+TEST_F(ImportTest, VerwerfenInTheDialogMovesTheStoredRowToTheSecondRoom)
+{
+    const std::string f = datFile("zwei.dat", {scanLine("1", "INV-7", "01.02.2015", "A-1", "10:00"),
+                                               scanLine("2", "INV-7", "03.02.2015", "A-2", "11:00")});
+    CDateienRec d;
+    d.stName = "zwei.dat";
+    d.stPfad = f;
+    ASSERT_TRUE(db.AddNewDateienRec(&d));
+    const auto shown = importWithTheRealDialog(db, settings, f, d.lID, "V");
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0], QStringLiteral("INV-7"));
+    const auto s = scans();
+    ASSERT_EQ(s.size(), 1u);
+    EXPECT_EQ(s[0].stRaum, "2");
+    EXPECT_EQ(s[0].Datum, "03.02.2015");
+    EXPECT_EQ(s[0].lDatID, d.lID);
+    EXPECT_EQ(s[0].stArtNr, "A-1");
+    EXPECT_EQ(s[0].Uhrzeit, "10:00");
+}
+
+TEST_F(ImportTest, VerwerfenThenBehaltenInTheDialogKeepsTheFirstScan)
+{
+    const std::string f = datFile("zwei.dat", {scanLine("1", "INV-7", "01.02.2015"), scanLine("2", "INV-7", "03.02.2015")});
+    CDateienRec d;
+    d.stName = "zwei.dat";
+    d.stPfad = f;
+    ASSERT_TRUE(db.AddNewDateienRec(&d));
+    const auto shown = importWithTheRealDialog(db, settings, f, d.lID, "VB");
+    ASSERT_EQ(shown.size(), 1u);
     const auto s = scans();
     ASSERT_EQ(s.size(), 1u);
     EXPECT_EQ(s[0].stRaum, "1");
