@@ -1,5 +1,6 @@
 #include "frmWork.h"
 
+#include "DbError.h"
 #include "FileSystem.h"
 #include "QuarnHost.h"
 #include "ScannerFile.h"
@@ -28,6 +29,7 @@ constexpr const char* kSchonHinzugefuegt = "Datei dieses Namens wurde bereits hi
 constexpr const char* kNichtMehrDa =
     "Die Datei ist an der ursprünglichen Stelle nicht mehr vorhanden. Stellen Sie den alten Zustand wieder her "
     "oder bauen Sie die Dateiliste neu auf";
+constexpr int kInputPastEnd = 62;
 constexpr const char* kFilter = "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat";
 
 /// Raised inside a procedure when a database call answered false; carries LastError.
@@ -332,8 +334,10 @@ void frmWork::pbAdd_Click()
         {
             ScannerFile file(f_stfilename);
             std::string firstLine;
-            if (file.nextLine(firstLine))
-                datei.Datum = GetField(firstLine, ",", 3);
+            // An empty file has no first line to take the date from.
+            if (!file.nextLine(firstLine))
+                throw DbError(kInputPastEnd, "Einlesen hinter Dateiende");
+            datei.Datum = GetField(firstLine, ",", 3);
         }
 
         const auto refuse = [this](const char* text) {

@@ -112,6 +112,24 @@ TEST_F(FileListTest, DateOfTheFileIsField3OfTheFirstLineEvenIfShort)
     EXPECT_EQ(files()[0].Datum, "07.07.2015");
 }
 
+TEST_F(FileListTest, EmptyDataFileEndsWithTheProcedureMessageAndIsNotAdded)
+{
+    const std::string f = dir.file("leer.dat");
+    writeFile(f, "");
+    addFile(f);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    expectMessage(0, "frmWork.pbAdd_Click\r\nEinlesen hinter Dateiende", MsgIcon::Critical, "QInventur");
+    EXPECT_FALSE(ui.busy);
+    EXPECT_TRUE(files().empty());
+    // A first line without records still gives the file its date and passes the checks.
+    writeFile(f, "\r\n");
+    ui.messages.clear();
+    addFile(f);
+    EXPECT_TRUE(ui.messages.empty());
+    ASSERT_EQ(files().size(), 1u);
+    EXPECT_EQ(files()[0].Datum, "");
+}
+
 TEST_F(FileListTest, FileWithForeignRoomsIsRefused)
 {
     addFile(datFile("f.dat", {scanLine("1", "A"), scanLine("9", "B")}));
