@@ -202,6 +202,18 @@ bool guarded(Body&& body, OnError&& onError)
     }
 }
 
+/// Keeps what a walk wrote before it failed, as if each row had been written on its own.
+void keepWritten(std::unique_ptr<Database::Transaction>& tx)
+{
+    if (!tx)
+        return;
+    try {
+        tx->commit();
+    } catch (const DbError&) {
+        // Nothing more to keep: the guard rolls back.
+    }
+}
+
 } // namespace
 
 bool CAuftragDb::DelAllRaumRec() { return executeDelete(kDelAllRaum.sqlite); }
@@ -233,6 +245,7 @@ bool CAuftragDb::WriteReihenfolgeDiffListe()
 bool CAuftragDb::WriteReihenfolgeDatInventur()
 {
     begin();
+    std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
             Database& d = db();
@@ -245,8 +258,8 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
             bool inOrder = true;
             std::string current;
             const auto closeRoom = [&] {
-                // A room with more lines than the 16-bit counter reaches fails before anything is written.
-                checkedInt16(std::int64_t(room.size()));
+                // A room with more lines than the 16-bit counter reaches is never in order; its
+                // numbering overflows after the lines before have been numbered.
                 if (!inOrder)
                     todo.push_back(std::move(room));
                 room.clear();
@@ -269,7 +282,7 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
                 closeRoom();
             if (todo.empty())
                 return true;
-            Database::Transaction tx(d);
+            tx = std::make_unique<Database::Transaction>(d);
             Statement& write = d.prepare(kScanLinesOfRoom.sqlite);
             for (auto& r : todo) {
                 std::sort(r.begin(), r.end(), [](const Line& x, const Line& y) { return x.id < y.id; });
@@ -283,10 +296,14 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
                 }
             }
             write.reset();
-            tx.commit();
+            tx->commit();
             return true;
         },
-        [&](const std::string& description) { return problem(description); });
+        [&](const std::string& description) {
+            // Lines numbered before the failure stay numbered.
+            keepWritten(tx);
+            return problem(description);
+        });
 }
 
 bool CAuftragDb::RaumVorhanden(const std::string& room)
@@ -377,10 +394,11 @@ bool CAuftragDb::GetRaumGefunden()
 bool CAuftragDb::GetRaumSoll()
 {
     begin();
+    std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
             Database& d = db();
-            Database::Transaction tx(d);
+            tx = std::make_unique<Database::Transaction>(d);
             Recordset rows = d.query(kRaumSollRows.sqlite);
             for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
                 const std::string ist = toText(rows.field("stIstInvNR"));
@@ -390,10 +408,14 @@ bool CAuftragDb::GetRaumSoll()
                 if (!isNull(room))
                     d.execute(kSetZiel, {rows.field("lID"), room});
             }
-            tx.commit();
+            tx->commit();
             return true;
         },
-        [&](const std::string& description) { return problem(description); });
+        [&](const std::string& description) {
+            // Rows given their room before the failure keep it.
+            keepWritten(tx);
+            return problem(description);
+        });
 }
 
 bool CAuftragDb::WriteIst()

@@ -354,6 +354,32 @@ TEST_F(StatementsTest, GetRaumSollNotesTheRoomOfTheFirstSollRow)
     EXPECT_EQ(rows[3].stZiel, "");
 }
 
+TEST_F(StatementsTest, GetRaumSollKeepsRoomsNotedBeforeAnEngineError)
+{
+    const auto a = addRoom("A");
+    const auto c = addRoom("C");
+    addSoll(c, "X1");
+    addSoll(c, "X2");
+    CDifferenzlisteRec ist;
+    ist.lRaumID = a;
+    ist.stIstInvNR = "X1";
+    addDiff(ist); // 3: gets C
+    ist.stIstInvNR = "X2";
+    const auto refused = addDiff(ist); // 4: the engine refuses the change
+    sql().execute("CREATE TRIGGER refuse_row BEFORE UPDATE OF stZiel ON T_Differenzliste WHEN NEW.lID = " +
+                  std::to_string(refused) + " BEGIN SELECT RAISE(ABORT, 'Zeile gesperrt'); END");
+    EXPECT_FALSE(db.GetRaumSoll());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].text.find("Zeile gesperrt"), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    EXPECT_EQ(db.LastError(), "");
+    const auto rows = diffRows();
+    ASSERT_EQ(rows.size(), 4u);
+    EXPECT_EQ(rows[2].stZiel, "C");
+    EXPECT_EQ(rows[3].stZiel, "");
+}
+
 TEST_F(StatementsTest, GetRaumSollOnListWithoutIstOnlyRowsReturnsTrue)
 {
     addSoll(addRoom("A"), "X1");

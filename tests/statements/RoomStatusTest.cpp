@@ -198,10 +198,12 @@ TEST_F(StatementsTest, WriteReihenfolgeDatInventurOnEmptyTableReturnsTrue)
 
 TEST_F(StatementsTest, MoreThan32767LinesInOneRoomOverflow)
 {
-    ASSERT_TRUE(addScan("B", "B1"));
+    ASSERT_TRUE(addScan("A", "A1"));
+    ASSERT_TRUE(addScan("A", "A2"));
+    ASSERT_TRUE(addScan("C", "C1"));
     sql().execute(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32768) "
-        "INSERT INTO T_DatInventur (stRaum, stInvNr) SELECT 'A', 'N' || i FROM n");
+        "INSERT INTO T_DatInventur (stRaum, stInvNr) SELECT 'B', 'N' || i FROM n");
     EXPECT_FALSE(db.WriteReihenfolgeDatInventur());
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text, "Überlauf");
@@ -209,14 +211,47 @@ TEST_F(StatementsTest, MoreThan32767LinesInOneRoomOverflow)
     EXPECT_EQ(ui.messages[0].buttons, MsgButtons::Ok);
     EXPECT_EQ(ui.messages[0].title, "Problem");
     EXPECT_EQ(db.LastError(), "");
-    EXPECT_EQ(toLong(sql().scalar("SELECT max(iReihenfolge) FROM T_DatInventur")), 0);
+    // The room before is numbered, the overflowing room up to the last number that fits,
+    // and the walk ends there: the room after it stays unnumbered.
+    const auto number = [&](const char* inv) {
+        return toLong(sql().scalar("SELECT iReihenfolge FROM T_DatInventur WHERE stInvNr = ?1", {inv}));
+    };
+    EXPECT_EQ(number("A1"), 1);
+    EXPECT_EQ(number("A2"), 2);
+    EXPECT_EQ(number("N1"), 1);
+    EXPECT_EQ(number("N32767"), 32767);
+    EXPECT_EQ(number("N32768"), 0);
+    EXPECT_EQ(number("C1"), 0);
 
     // Exactly 32767 lines still fit.
     sql().execute("DELETE FROM T_DatInventur WHERE stInvNr = 'N32768'");
     ui.messages.clear();
     EXPECT_TRUE(db.WriteReihenfolgeDatInventur());
     EXPECT_EQ(toLong(sql().scalar("SELECT max(iReihenfolge) FROM T_DatInventur")), 32767);
+    EXPECT_EQ(number("C1"), 1);
     EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(StatementsTest, WriteReihenfolgeDatInventurKeepsLinesNumberedBeforeAnEngineError)
+{
+    ASSERT_TRUE(addScan("A", "A1"));
+    ASSERT_TRUE(addScan("A", "A2"));
+    ASSERT_TRUE(addScan("B", "B1"));
+    ASSERT_TRUE(addScan("B", "B2"));
+    sql().execute("CREATE TRIGGER refuse_b2 BEFORE UPDATE OF iReihenfolge ON T_DatInventur "
+                  "WHEN NEW.stInvNr = 'B2' BEGIN SELECT RAISE(ABORT, 'Zeile gesperrt'); END");
+    EXPECT_FALSE(db.WriteReihenfolgeDatInventur());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].text.find("Zeile gesperrt"), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    const auto number = [&](const char* inv) {
+        return toLong(sql().scalar("SELECT iReihenfolge FROM T_DatInventur WHERE stInvNr = ?1", {inv}));
+    };
+    EXPECT_EQ(number("A1"), 1);
+    EXPECT_EQ(number("A2"), 2);
+    EXPECT_EQ(number("B1"), 1);
+    EXPECT_EQ(number("B2"), 0);
 }
 
 // ---------------------------------------------------------------- article tally
