@@ -26,21 +26,26 @@ QString displayText(const std::string& text)
     return s;
 }
 
-/// "Name (*.x)|*.x|Other (*.y)|*.y" → Qt's filter entries (description with its pattern).
-QStringList qtFilters(const std::string& filter)
+} // namespace
+
+QStringList qtNameFilters(const std::string& filter)
 {
     const QStringList parts = QString::fromStdString(filter).split(QLatin1Char('|'));
     QStringList out;
     for (int i = 0; i + 1 < parts.size(); i += 2) {
-        QString entry = parts[i];
-        if (!entry.contains(QLatin1Char('(')))
-            entry += QStringLiteral(" (") + parts[i + 1] + QLatin1Char(')');
-        out << entry;
+        QString description = parts[i];
+        QString pattern = parts[i + 1];
+        // "*.*" means every file, also one without an extension; Qt's "*" says so.
+        if (pattern == QStringLiteral("*.*")) {
+            pattern = QStringLiteral("*");
+            description.replace(QStringLiteral("(*.*)"), QStringLiteral("(*)"));
+        }
+        if (!description.contains(QLatin1Char('(')))
+            description += QStringLiteral(" (") + pattern + QLatin1Char(')');
+        out << description;
     }
     return out;
 }
-
-} // namespace
 
 MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                                         const std::string& title)
@@ -79,7 +84,7 @@ std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& 
     QFileDialog dialog(parent_, QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
-    const QStringList filters = qtFilters(request.filter);
+    const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
         dialog.selectNameFilter(filters[request.filterIndex - 1]);

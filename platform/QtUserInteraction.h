@@ -6,9 +6,15 @@
 #include <functional>
 
 class QProgressDialog;
+#include <QStringList>
+
 class QWidget;
 
 namespace qi {
+
+/// The entries of a file-dialog filter "Name (*.x)|*.x|Other|*.y" as Qt wants them;
+/// "*.*" becomes "*", which also takes files without an extension.
+QStringList qtNameFilters(const std::string& filter);
 
 class QtUserInteraction : public UserInteraction {
 public:

@@ -1,3 +1,4 @@
+#include "QtUserInteraction.h"
 #include "ScriptedUserInteraction.h"
 
 #include <gtest/gtest.h>
@@ -28,4 +29,13 @@ TEST(UserInteraction, ScriptedAnswers)
     ui.setBusy(true);
     ui.setBusy(false);
     EXPECT_EQ(ui.busyChanges, (std::vector<bool>{true, false}));
+}
+
+TEST(QtUserInteraction, FileFilterTakesEveryFileForStarDotStar)
+{
+    const QStringList f = qtNameFilters("Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat");
+    ASSERT_EQ(f.size(), 2);
+    EXPECT_EQ(f[0], QStringLiteral("Alle Dateien (*)"));
+    EXPECT_EQ(f[1], QStringLiteral("Scannerdaten (*.dat)"));
+    EXPECT_EQ(qtNameFilters("Texte|*.txt"), QStringList{QStringLiteral("Texte (*.txt)")});
 }
