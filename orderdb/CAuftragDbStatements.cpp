@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 
 // The reconciliation of Soll and Ist data, the room status and the list statements.
@@ -27,27 +28,28 @@ constexpr JetSql kDelAllDiffListe{"DELETE * FROM T_DifferenzListe;", "DELETE FRO
 // ------------------------------------------------------------ print order of the list
 
 // Each pass numbers its rows by description (ties in storage order), continuing the
-// counter of the passes before (?1). A row with both numbers empty belongs to passes
-// 2 and 3; pass 3 runs last, so its number stays.
+// counter of the passes before (?1); numbers past the 16-bit range are not written. A
+// row with both numbers empty belongs to passes 2 and 3; pass 3 runs last, so its
+// number stays.
 constexpr JetSql kDiffPass1{
     R"jet(SELECT t_Differenzliste.*, t_Differenzliste.stSollInvNR, t_Differenzliste.stIstInvNR From t_Differenzliste Where (((t_Differenzliste.stSollInvNR) <> "") And  ((t_Differenzliste.stIstInvNR) <> "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
     "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
     "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stSollInvNR <> '' AND stIstInvNR <> '') AS p "
-    "WHERE T_Differenzliste.lID = p.lID"};
+    "WHERE T_Differenzliste.lID = p.lID AND ?1 + p.n <= 32767"};
 constexpr JetSql kDiffPass2{
     R"jet(SELECT t_Differenzliste.* From t_Differenzliste Where (((t_Differenzliste.stSollInvNR)  = "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
     "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
     "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stSollInvNR = '') AS p "
-    "WHERE T_Differenzliste.lID = p.lID"};
+    "WHERE T_Differenzliste.lID = p.lID AND ?1 + p.n <= 32767"};
 constexpr JetSql kDiffPass3{
     R"jet(SELECT t_Differenzliste.* From t_Differenzliste Where (((t_Differenzliste.stIstInvNR)  = "")) ORDER BY t_Differenzliste.stBeschreibung;)jet",
     "UPDATE T_Differenzliste SET iReihenfolge = ?1 + p.n FROM (SELECT lID, ROW_NUMBER() OVER "
     "(ORDER BY stBeschreibung, lID) AS n FROM T_Differenzliste WHERE stIstInvNR = '') AS p "
-    "WHERE T_Differenzliste.lID = p.lID"};
-// The counter runs on over all three passes; its last value, known before anything is written.
+    "WHERE T_Differenzliste.lID = p.lID AND ?1 + p.n <= 32767"};
+// The number of rows of each pass: the counter runs on over all three.
 constexpr std::string_view kDiffPassRows =
-    "SELECT (SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR <> '' AND stIstInvNR <> '') + "
-    "(SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR = '') + "
+    "SELECT (SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR <> '' AND stIstInvNR <> ''), "
+    "(SELECT count(*) FROM T_Differenzliste WHERE stSollInvNR = ''), "
     "(SELECT count(*) FROM T_Differenzliste WHERE stIstInvNR = '')";
 
 // ------------------------------------------------------------ lines of each room
@@ -88,7 +90,8 @@ constexpr JetSql kMakeInvListbyRoom{
     "SELECT stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit FROM T_DatInventur WHERE stRaum = ?1 "
     "GROUP BY stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit ORDER BY min(lID)"};
 
-// Every room with scans takes the values of its first (date, data file) group.
+// Every room with scans takes the values of its first (date, data file) group. The rooms
+// are walked in storage order: ?1 and ?2 bound the keys of the rooms set by one run.
 constexpr JetSql kStatusGroupsOfRoom{
     R"jet(SELECT t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId, Count('S') as Sum  From t_DatInventur GROUP BY t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId HAVING (((t_DatInventur.stRaum)=")jet"
     R"jet(" + stRaumNr + ")jet"
@@ -96,8 +99,13 @@ constexpr JetSql kStatusGroupsOfRoom{
     "UPDATE T_Raum SET ststatus = 'E', Datum = g.Datum, lDatID = g.lDatID, iAnzahl = g.Sum FROM "
     "(SELECT stRaum, Datum, lDatID, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum ORDER BY Datum, lDatID) AS k "
     "FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur GROUP BY stRaum, Datum, lDatID)) AS g "
-    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum AND (T_Raum.ststatus IS NOT 'E' OR "
+    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum AND T_Raum.lID BETWEEN ?1 AND ?2 AND (T_Raum.ststatus IS NOT 'E' OR "
     "T_Raum.Datum IS NOT g.Datum OR T_Raum.lDatID IS NOT g.lDatID OR T_Raum.iAnzahl IS NOT g.Sum)"};
+// The first room (in storage order) whose count does not fit the 16-bit column.
+constexpr std::string_view kFirstRoomPastCount =
+    "SELECT min(T_Raum.lID) FROM T_Raum JOIN (SELECT stRaum, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum "
+    "ORDER BY Datum, lDatID) AS k FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur "
+    "GROUP BY stRaum, Datum, lDatID)) AS g ON T_Raum.stRaumNr = g.stRaum WHERE g.k = 1 AND g.Sum > 32767";
 
 // Every room back to "N". The date is cleared twice and the time is left as it is.
 constexpr JetSql kResetStatusRooms{
@@ -223,19 +231,25 @@ bool CAuftragDb::DelAllDiffListe() { return executeDelete(kDelAllDiffListe.sqlit
 bool CAuftragDb::WriteReihenfolgeDiffListe()
 {
     begin();
+    std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
             Database& d = db();
-            // The 16-bit counter must not pass its range: checked before anything is written.
-            checkedInt16(toLong(d.scalar(kDiffPassRows)));
-            Database::Transaction tx(d);
-            std::int64_t counter = d.execute(kDiffPass1.sqlite, {std::int64_t{0}});
-            counter += d.execute(kDiffPass2.sqlite, {counter});
-            d.execute(kDiffPass3.sqlite, {counter});
-            tx.commit();
+            Recordset passRows = d.query(kDiffPassRows);
+            passRows.moveFirst();
+            tx = std::make_unique<Database::Transaction>(d);
+            std::int64_t counter = 0;
+            const JetSql* const passes[] = {&kDiffPass1, &kDiffPass2, &kDiffPass3};
+            for (std::size_t i = 0; i < 3; ++i) {
+                d.execute(passes[i]->sqlite, {counter});
+                // Past 32767 the 16-bit counter overflows; the rows numbered so far keep their numbers.
+                counter = checkedInt16(counter + toLong(passRows.field(i)));
+            }
+            tx->commit();
             return true;
         },
         [&](const std::string& description) {
+            keepWritten(tx);
             ui_.messageBox("CAuftragDb.WriteReihenfolgeDiffListe\r\n" + description, MsgButtons::Ok,
                            MsgIcon::Critical, kProgramName);
             return false;
@@ -336,7 +350,19 @@ bool CAuftragDb::SetStatusRoomsByDB()
     begin();
     return guarded(
         [&] {
-            db().execute(kStatusGroupsOfRoom.sqlite);
+            Database& d = db();
+            constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
+            constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+            const Value pastCount = d.scalar(kFirstRoomPastCount);
+            if (isNull(pastCount)) {
+                d.execute(kStatusGroupsOfRoom.sqlite, {kFirst, kLast});
+                return true;
+            }
+            // The rooms before keep their status; the room itself fails with the engine's
+            // overflow, and the rooms after it are not reached.
+            const std::int64_t room = toLong(pastCount);
+            d.execute(kStatusGroupsOfRoom.sqlite, {kFirst, room - 1});
+            d.execute(kStatusGroupsOfRoom.sqlite, {room, room});
             return true;
         },
         [&](const std::string& description) { return problem(description); });

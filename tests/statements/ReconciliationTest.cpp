@@ -499,7 +499,10 @@ TEST_F(StatementsTest, WriteReihenfolgeDiffListeOverflowShowsCriticalMessage)
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
     EXPECT_EQ(ui.messages[0].buttons, MsgButtons::Ok);
     EXPECT_EQ(ui.messages[0].title, "QInventur");
-    EXPECT_EQ(toLong(sql().scalar("SELECT max(iReihenfolge) FROM T_Differenzliste")), 0);
+    // The rows up to the last number that fits keep their numbers.
+    EXPECT_EQ(toLong(sql().scalar("SELECT iReihenfolge FROM T_Differenzliste WHERE lID = 1")), 1);
+    EXPECT_EQ(toLong(sql().scalar("SELECT iReihenfolge FROM T_Differenzliste WHERE lID = 32767")), 32767);
+    EXPECT_EQ(toLong(sql().scalar("SELECT iReihenfolge FROM T_Differenzliste WHERE lID = 32768")), 0);
     EXPECT_EQ(db.LastError(), "");
 }
 

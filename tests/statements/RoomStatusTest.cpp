@@ -172,6 +172,32 @@ TEST_F(StatementsTest, SetStatusCountOverflowShowsProblemAndChangesNoRoom)
     EXPECT_EQ(readRoom(db, a).ststatus, "N");
 }
 
+TEST_F(StatementsTest, SetStatusCountOverflowKeepsRoomsBeforeAndLeavesRoomsAfter)
+{
+    const auto a = addRoom("A");
+    const auto b = addRoom("B");
+    const auto c = addRoom("C");
+    ASSERT_TRUE(addScan("A", "A1", "ART1", "01.02.2024", 4));
+    ASSERT_TRUE(addScan("C", "C1", "ART1", "03.02.2024", 5));
+    sql().execute(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32768) "
+        "INSERT INTO T_DatInventur (stRaum, stInvNr, Datum, lDatID) SELECT 'B', 'N' || i, 'd', 1 FROM n");
+    ASSERT_TRUE(db.ResetStatusRooms());
+    EXPECT_FALSE(db.SetStatusRoomsByDB());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Numerischer Feldüberlauf.");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    const CRaumRec ra = readRoom(db, a);
+    EXPECT_EQ(ra.ststatus, "E");
+    EXPECT_EQ(ra.Datum, "01.02.2024");
+    EXPECT_EQ(ra.lDatID, 4);
+    EXPECT_EQ(ra.iAnzahl, 1);
+    EXPECT_EQ(readRoom(db, b).ststatus, "N");
+    EXPECT_EQ(readRoom(db, c).ststatus, "N");
+    EXPECT_EQ(db.LastError(), "");
+}
+
 // ---------------------------------------------------------------- line order
 
 TEST_F(StatementsTest, TwoRoomsAreNumberedIndependently)
