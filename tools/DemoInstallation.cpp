@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <stdexcept>
 
 namespace qi::demo {
@@ -132,6 +133,16 @@ void writeTextFile(const std::string& path, const std::vector<std::string>& line
     for (const std::string& l : lines)
         w.writeLine(l);
     w.close();
+}
+
+/// The readme is for people, on any system: UTF-8 with CR LF.
+void writeReadme(const std::string& path, const std::vector<std::string>& lines)
+{
+    std::ofstream out(nativePath(path), std::ios::binary | std::ios::trunc);
+    for (const std::string& l : lines)
+        out << l << "\r\n";
+    if (!out)
+        throw std::runtime_error("Die Datei '" + path + "' konnte nicht geschrieben werden.");
 }
 
 } // namespace
@@ -471,7 +482,7 @@ void writeScannerFiles(const Installation& inst, int module, const std::string& 
         rooms += (rooms.empty() ? "" : ", ") + r->nr;
     for (const ScanFile& f : scannerFiles(inst, module))
         writeTextFile(folder + "/" + f.name, f.lines);
-    writeTextFile(folder + "/Liesmich.txt",
+    writeReadme(folder + "/Liesmich.txt",
                   {"Quarn-Demoinstallation",
                    "",
                    "Legen Sie einen Auftrag an und wählen Sie die Räume des Geschosses \"" + p.floor->name + "\" im " +
