@@ -4,6 +4,7 @@
 #include "JetSql.h"
 
 #include <algorithm>
+#include <map>
 #include <vector>
 
 #include <cstdint>
@@ -90,22 +91,19 @@ constexpr JetSql kMakeInvListbyRoom{
     "SELECT stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit FROM T_DatInventur WHERE stRaum = ?1 "
     "GROUP BY stRaum, stInvNr, iReihenfolge, stArtNr, Datum, Uhrzeit ORDER BY min(lID)"};
 
-// Every room with scans takes the values of its first (date, data file) group. The rooms
-// are walked in storage order: ?1 and ?2 bound the keys of the rooms set by one run.
+// Every room with scans takes the values of its first (date, data file) group. In SQLite
+// the groups of all rooms are read at once, in the order of their keys; the rooms are then
+// walked in storage order and only those whose values change are written.
 constexpr JetSql kStatusGroupsOfRoom{
     R"jet(SELECT t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId, Count('S') as Sum  From t_DatInventur GROUP BY t_DatInventur.stRaum, t_DatInventur.Datum, t_DatInventur.lDatId HAVING (((t_DatInventur.stRaum)=")jet"
     R"jet(" + stRaumNr + ")jet"
     R"jet("));)jet",
-    "UPDATE T_Raum SET ststatus = 'E', Datum = g.Datum, lDatID = g.lDatID, iAnzahl = g.Sum FROM "
-    "(SELECT stRaum, Datum, lDatID, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum ORDER BY Datum, lDatID) AS k "
-    "FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur GROUP BY stRaum, Datum, lDatID)) AS g "
-    "WHERE g.k = 1 AND T_Raum.stRaumNr = g.stRaum AND T_Raum.lID BETWEEN ?1 AND ?2 AND (T_Raum.ststatus IS NOT 'E' OR "
-    "T_Raum.Datum IS NOT g.Datum OR T_Raum.lDatID IS NOT g.lDatID OR T_Raum.iAnzahl IS NOT g.Sum)"};
-// The first room (in storage order) whose count does not fit the 16-bit column.
-constexpr std::string_view kFirstRoomPastCount =
-    "SELECT min(T_Raum.lID) FROM T_Raum JOIN (SELECT stRaum, Sum, ROW_NUMBER() OVER (PARTITION BY stRaum "
-    "ORDER BY Datum, lDatID) AS k FROM (SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur "
-    "GROUP BY stRaum, Datum, lDatID)) AS g ON T_Raum.stRaumNr = g.stRaum WHERE g.k = 1 AND g.Sum > 32767";
+    "SELECT stRaum, Datum, lDatID, count(*) AS Sum FROM T_DatInventur GROUP BY stRaum, Datum, lDatID "
+    "ORDER BY stRaum, Datum, lDatID"};
+constexpr std::string_view kRoomsInStorageOrder =
+    "SELECT lID, stRaumNr, ststatus, Datum, lDatID, iAnzahl FROM T_Raum ORDER BY lID";
+constexpr std::string_view kSetRoomStatus =
+    "UPDATE T_Raum SET ststatus = 'E', Datum = ?2, lDatID = ?3, iAnzahl = ?4 WHERE lID = ?1";
 
 // Every room back to "N". The date is cleared twice and the time is left as it is.
 constexpr JetSql kResetStatusRooms{
@@ -282,11 +280,13 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
             Statement& lines = d.prepare(kScanRooms.sqlite);
             lines.bindAll({});
             while (lines.step()) {
-                std::string raum = toText(lines.column(0));
-                const Line line{toLong(lines.column(2)), toLong(lines.column(1))};
-                if (!room.empty() && raum != current && !jetEqual(raum, current))
-                    closeRoom();
-                current = std::move(raum);
+                const std::string_view raum = lines.columnText(0);
+                const Line line{lines.columnInt(2), lines.columnInt(1)};
+                if (raum != current) {
+                    if (!room.empty() && !jetEqual(raum, current))
+                        closeRoom();
+                    current.assign(raum);
+                }
                 if (line.number != std::int64_t(room.size()) + 1 || (!room.empty() && room.back().id > line.id))
                     inOrder = false;
                 room.push_back(line);
@@ -348,24 +348,42 @@ bool CAuftragDb::MakeInvListbyRoom(const std::string& room)
 bool CAuftragDb::SetStatusRoomsByDB()
 {
     begin();
+    std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
             Database& d = db();
-            constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
-            constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
-            const Value pastCount = d.scalar(kFirstRoomPastCount);
-            if (isNull(pastCount)) {
-                d.execute(kStatusGroupsOfRoom.sqlite, {kFirst, kLast});
+            struct Group {
+                Value datum, datId, sum;
+            };
+            const auto before = [](const std::string& a, const std::string& b) { return jetCompare(a, b) < 0; };
+            std::map<std::string, Group, decltype(before)> firstGroup(before);
+            Statement& groups = d.prepare(kStatusGroupsOfRoom.sqlite);
+            groups.bindAll({});
+            while (groups.step())
+                firstGroup.try_emplace(toText(groups.column(0)), Group{groups.column(1), groups.column(2), groups.column(3)});
+            groups.reset();
+            if (firstGroup.empty())
                 return true;
+
+            const Recordset rooms = d.query(kRoomsInStorageOrder);
+            tx = std::make_unique<Database::Transaction>(d);
+            for (const auto& room : rooms.rows()) {
+                const auto g = firstGroup.find(toText(room[1]));
+                if (g == firstGroup.end())
+                    continue;
+                const Group& v = g->second;
+                if (toText(room[2]) == "E" && room[3] == v.datum && room[4] == v.datId && room[5] == v.sum)
+                    continue;
+                // A count beyond the 16-bit column fails here; the rooms before keep their status.
+                d.execute(kSetRoomStatus, {room[0], v.datum, v.datId, v.sum});
             }
-            // The rooms before keep their status; the room itself fails with the engine's
-            // overflow, and the rooms after it are not reached.
-            const std::int64_t room = toLong(pastCount);
-            d.execute(kStatusGroupsOfRoom.sqlite, {kFirst, room - 1});
-            d.execute(kStatusGroupsOfRoom.sqlite, {room, room});
+            tx->commit();
             return true;
         },
-        [&](const std::string& description) { return problem(description); });
+        [&](const std::string& description) {
+            keepWritten(tx);
+            return problem(description);
+        });
 }
 
 bool CAuftragDb::ResetStatusRooms()

@@ -123,6 +123,14 @@ Value Statement::column(int i) const
     }
 }
 
+std::string_view Statement::columnText(int i) const
+{
+    const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, i));
+    return t ? std::string_view(t, std::size_t(sqlite3_column_bytes(stmt_, i))) : std::string_view();
+}
+
+std::int64_t Statement::columnInt(int i) const { return sqlite3_column_int64(stmt_, i); }
+
 // ---------------------------------------------------------------- Recordset
 
 Recordset::Recordset(std::vector<std::string> names, std::vector<std::vector<Value>> rows)

@@ -38,6 +38,10 @@ public:
     int columnCount() const;
     std::string columnName(int i) const;
     Value column(int i) const;
+    /// Text of a column of the current row without copying; valid until the next step or reset.
+    std::string_view columnText(int i) const;
+    /// Whole number of a column of the current row.
+    std::int64_t columnInt(int i) const;
 
 private:
     Database& db_;
