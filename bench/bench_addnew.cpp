@@ -85,7 +85,8 @@ int main()
                " stArtNr TEXT COLLATE NOCASE DEFAULT '', stTaet TEXT COLLATE NOCASE DEFAULT '',"
                " iReihenfolge SMALLINT DEFAULT 0 CHECK (iReihenfolge BETWEEN -32768 AND 32767));\n"
                "CREATE UNIQUE INDEX T_DatInventur_stInvNr ON T_DatInventur (stInvNr);\n"
-               "CREATE INDEX T_DatInventur_stRaum ON T_DatInventur (stRaum);\n"
+               "CREATE INDEX T_DatInventur_stRaum ON T_DatInventur (stRaum, iReihenfolge);\n"
+               "CREATE INDEX T_DatInventur_Gruppe ON T_DatInventur (stRaum, Datum, lDatID);\n"
                "CREATE INDEX T_DatInventur_stArtNr ON T_DatInventur (stArtNr);\n"
                "BEGIN;\n";
         for (int i = 0; i < kRows; ++i) {

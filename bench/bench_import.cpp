@@ -106,7 +106,8 @@ double shellSeconds(const fs::path& folder, const std::vector<std::string>& file
              " Uhrzeit TEXT COLLATE NOCASE, stRaum TEXT COLLATE NOCASE, stInvNr TEXT COLLATE NOCASE,"
              " stArtNr TEXT COLLATE NOCASE, stTaet TEXT COLLATE NOCASE, iReihenfolge INTEGER);\n"
              "CREATE UNIQUE INDEX T_DatInventur_stInvNr ON T_DatInventur (stInvNr);\n"
-             "CREATE INDEX T_DatInventur_stRaum ON T_DatInventur (stRaum);\n"
+             "CREATE INDEX T_DatInventur_stRaum ON T_DatInventur (stRaum, iReihenfolge);\n"
+               "CREATE INDEX T_DatInventur_Gruppe ON T_DatInventur (stRaum, Datum, lDatID);\n"
              "CREATE INDEX T_DatInventur_stArtNr ON T_DatInventur (stArtNr);\n"
              "CREATE TABLE raw (f1, f2, f3, f4, f5, f6, f7, f8);\n";
         for (std::size_t i = 0; i < files.size(); ++i) {

@@ -28,6 +28,7 @@ void createOrderSchema(Database& db)
         ", stArtNr " + t + ", stTaet " + t + ", iReihenfolge " + integer("iReihenfolge") + ");\n"
         "CREATE UNIQUE INDEX T_DatInventur_stInvNr ON T_DatInventur (stInvNr);\n"
         "CREATE INDEX T_DatInventur_stRaum ON T_DatInventur (stRaum, iReihenfolge);\n"
+        "CREATE INDEX T_DatInventur_Gruppe ON T_DatInventur (stRaum, Datum, lDatID);\n"
         "CREATE INDEX T_DatInventur_stArtNr ON T_DatInventur (stArtNr);\n"
 
         "CREATE TABLE T_Differenzliste (lID " + AutoNumber + ", lRaumID " + Long + ", stSollInvNR " + t +
