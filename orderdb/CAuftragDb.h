@@ -6,6 +6,9 @@
 #include "RecordDb.h"
 #include "UserInteraction.h"
 
+#include <initializer_list>
+#include <string_view>
+
 namespace qi {
 
 template <> struct RecordTable<CArtikellisteRec> {
@@ -112,6 +115,8 @@ public:
 
 private:
     bool CountArtikelIst(const std::string& article, std::int16_t& counter);
+    /// Runs action statements one after another; an engine error takes the "Problem" path.
+    bool runStatements(std::initializer_list<std::string_view> statements);
     /// The statements' failure path: the engine's description under the title "Problem".
     bool problem(const std::string& description);
 

@@ -386,53 +386,29 @@ bool CAuftragDb::SetStatusRoomsByDB()
         });
 }
 
-bool CAuftragDb::ResetStatusRooms()
-{
-    begin();
-    return guarded(
-        [&] {
-            db().execute(kResetStatusRooms.sqlite);
-            return true;
-        },
-        [&](const std::string& description) { return problem(description); });
-}
-
-bool CAuftragDb::MakeIstInvOk()
-{
-    begin();
-    return guarded(
-        [&] {
-            db().execute(kMakeIstInvOk.sqlite);
-            return true;
-        },
-        [&](const std::string& description) { return problem(description); });
-}
-
-bool CAuftragDb::MakeIstScanExtra()
-{
-    begin();
-    return guarded(
-        [&] {
-            db().execute(kMakeIstScanExtra.sqlite);
-            return true;
-        },
-        [&](const std::string& description) { return problem(description); });
-}
-
-bool CAuftragDb::GetRaumGefunden()
+bool CAuftragDb::runStatements(std::initializer_list<std::string_view> statements)
 {
     begin();
     // Each statement stands on its own: those before a failing one stay applied.
     return guarded(
         [&] {
-            Database& d = db();
-            d.execute(kGefundenZiel.sqlite);
-            d.execute(kGefundenQuelle.sqlite);
-            d.execute(kGefundenQuarn.sqlite);
-            d.execute(kGefundenQuarnLeeren.sqlite);
+            for (const std::string_view sql : statements)
+                db().execute(sql);
             return true;
         },
         [&](const std::string& description) { return problem(description); });
+}
+
+bool CAuftragDb::ResetStatusRooms() { return runStatements({kResetStatusRooms.sqlite}); }
+
+bool CAuftragDb::MakeIstInvOk() { return runStatements({kMakeIstInvOk.sqlite}); }
+
+bool CAuftragDb::MakeIstScanExtra() { return runStatements({kMakeIstScanExtra.sqlite}); }
+
+bool CAuftragDb::GetRaumGefunden()
+{
+    return runStatements({kGefundenZiel.sqlite, kGefundenQuelle.sqlite, kGefundenQuarn.sqlite,
+                          kGefundenQuarnLeeren.sqlite});
 }
 
 bool CAuftragDb::GetRaumSoll()
