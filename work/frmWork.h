@@ -18,6 +18,8 @@
 
 namespace qi {
 
+class QArtikelDb;
+class QGebDb;
 class QObjektDb;
 
 /// One entry of a list view in report mode: key, text and sub-items.
@@ -59,6 +61,31 @@ public:
     /// Writes all scan lines of the order to "Inventur\<order>.dat" in the project folder.
     void MakeArchive();
 
+    // ------------------------------------------------------------ evaluation, tally and lists
+
+    /// Rebuilds the difference list T_Differenzliste from the order's rooms, Quarn's
+    /// objects and the scans. True when the run reached its end; on an error it shows
+    /// "frmWork.ReportDifferenzListe" with the description, keeps the list as far as it
+    /// was built, leaves the busy pointer on and answers false.
+    bool ReportDifferenzListe();
+    /// Builds the article tally T_Artikelliste (Soll counts from Quarn, Ist counts from
+    /// the scans) and shows the report "Report\invart.rpt". False after an error
+    /// ("frmWork.MakeArtikelAufstellung"); what was written until then stays.
+    bool MakeArtikelAufstellung();
+    /// Builds the inventory list T_Invliste room by room with the articles'
+    /// descriptions. False after an error ("frmWork.MakeInvListe").
+    bool MakeInvListe();
+    /// Completes difference lines without article number from Quarn's object of the
+    /// scanned number. False after an error ("frmWork.MakeArtikelIst").
+    bool MakeArtikelIst();
+
+    // ------------------------------------------------------------ menus
+
+    /// "&Berichte": 50 article tally, 100 rooms, 200 inventory list, 250 evaluation, 400 differences.
+    void mnuReportFkt_Click(int index);
+    /// "&Fehlerlisten (Auftragsbereich)": 100 new, 200 moved, 300 missing inventory.
+    void mnuFehlerFkt_Click(int index);
+
     // ------------------------------------------------------------ import of f_stfilename
 
     /// True as soon as one record's room is not a room of the order.
@@ -82,6 +109,11 @@ public:
     std::int32_t f_lDatId = 0;
     /// The host object component, created and opened on first use.
     std::unique_ptr<QObjektDb> f_GebDb;
+    /// The host article component (descriptions by article number), created and opened on first use.
+    std::unique_ptr<QArtikelDb> f_ArtikelDb;
+    /// Quarn's building database component (structure tree, rooms, objects of a room).
+    /// The opener may hand in its own; otherwise it is created and opened on first use.
+    QGebDb* f_QGebDb = nullptr;
     CRaumRecColl f_collRooms;
     /// The order's data files, as Init read them.
     CDateienRecColl f_collDateien;
@@ -104,11 +136,16 @@ public:
 private:
     /// Creates and opens the host object component if there is none yet.
     void ensureHost();
+    /// Creates and opens the host article component if there is none yet.
+    void ensureArtikelDb();
+    /// Creates and opens the building component with the module's objects if none was handed in.
+    QGebDb& ensureGebDb();
     /// The five deletions of the derived data, then Init and InitData.
     void clearScanData();
 
     const Settings& settings_;
     UserInteraction& ui_;
+    std::unique_ptr<QGebDb> ownGebDb_;
     int progressDepth_ = 0;
     friend class ProgressScope;
 };

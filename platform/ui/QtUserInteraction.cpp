@@ -2,6 +2,8 @@
 
 #include "FileSystem.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -176,6 +178,31 @@ void QtUserInteraction::reportProgress(const std::string& fileName, std::int64_t
     if (!progress_->isVisible())
         progress_->show();
     QApplication::processEvents();
+}
+
+void QtUserInteraction::reportStep(const std::string& step, std::int64_t done, std::int64_t total)
+{
+    if (!progress_)
+        return;
+    if (total > 0) {
+        progress_->setRange(0, int(std::min<std::int64_t>(total, 1 << 30)));
+        progress_->setValue(int(std::min(done, total)));
+        progress_->setLabelText(QString::fromStdString(step) + QStringLiteral("\n") + QString::number(done) +
+                                QStringLiteral(" von ") + QString::number(total));
+    } else {
+        progress_->setRange(0, 0);
+        progress_->setLabelText(QString::fromStdString(step));
+    }
+    if (!progress_->isVisible())
+        progress_->show();
+    QApplication::processEvents();
+}
+
+void QtUserInteraction::showReport(const std::string& reportFile, const std::string& dataFile,
+                                   const std::string& title)
+{
+    if (reportViewer_)
+        reportViewer_(parent_, reportFile, dataFile, title);
 }
 
 void QtUserInteraction::endProgress()

@@ -35,14 +35,24 @@ public:
     void beginProgress(const std::string& title) override;
     void reportProgress(const std::string& fileName, std::int64_t linesRead) override;
     void endProgress() override;
+    void reportStep(const std::string& step, std::int64_t done, std::int64_t total) override;
+    /// Shows the report through the viewer plugged in with setReportViewer.
+    void showReport(const std::string& reportFile, const std::string& dataFile, const std::string& title) override;
 
     /// Shows the conflict dialog modally over `parent` and returns its bVerwerfen.
     using ConflictDialog = std::function<bool(QWidget* parent, const ConflictInfo&)>;
     /// Plugs in the conflict dialog (it lives with the order work windows).
     void setConflictDialog(ConflictDialog dialog) { conflictDialog_ = std::move(dialog); }
 
+    /// Shows a report (file, data file, title) in a preview window over `parent`.
+    using ReportViewer = std::function<void(QWidget* parent, const std::string& reportFile,
+                                            const std::string& dataFile, const std::string& title)>;
+    /// Plugs in the report viewer (it lives with the report engine).
+    void setReportViewer(ReportViewer viewer) { reportViewer_ = std::move(viewer); }
+
 private:
     QWidget* parent_;
+    ReportViewer reportViewer_;
     int busyDepth_ = 0;
     ConflictDialog conflictDialog_;
     QProgressDialog* progress_ = nullptr;

@@ -10,6 +10,18 @@
 
 namespace qi {
 
+struct RecordedReport {
+    std::string reportFile;
+    std::string dataFile;
+    std::string title;
+};
+
+struct RecordedStep {
+    std::string step;
+    std::int64_t done;
+    std::int64_t total;
+};
+
 struct RecordedMessage {
     std::string text;
     MsgButtons buttons;
@@ -33,6 +45,14 @@ public:
         progressReports.push_back({fileName, linesRead});
     }
     void endProgress() override { --progressDepth; ++progressEnded; }
+    void reportStep(const std::string& step, std::int64_t done, std::int64_t total) override
+    {
+        steps.push_back({step, done, total});
+    }
+    void showReport(const std::string& reportFile, const std::string& dataFile, const std::string& title) override
+    {
+        reports.push_back({reportFile, dataFile, title});
+    }
 
     // Script
     std::deque<MsgResult> answers;
@@ -54,6 +74,9 @@ public:
     std::vector<std::pair<std::string, std::int64_t>> progressReports;
     int progressDepth = 0;
     int progressEnded = 0;
+    std::vector<RecordedStep> steps;
+    /// Reports shown through showReport, in call order.
+    std::vector<RecordedReport> reports;
 };
 
 } // namespace qi

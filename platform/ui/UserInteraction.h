@@ -64,6 +64,15 @@ public:
     virtual void beginProgress(const std::string& title) = 0;
     virtual void reportProgress(const std::string& fileName, std::int64_t linesRead) = 0;
     virtual void endProgress() = 0;
+    /// Progress of one step of a long run (the evaluation: rooms done of rooms, then each
+    /// statement): what is being done and how far, `done` of `total` (total 0: not counted).
+    /// Lets pending window events run.
+    virtual void reportStep(const std::string& step, std::int64_t done, std::int64_t total) = 0;
+
+    /// Shows a report in its preview window: the report file (full path), the one data
+    /// file it reads (the report database) and the window title.
+    virtual void showReport(const std::string& reportFile, const std::string& dataFile,
+                            const std::string& title) = 0;
 
     /// Shows the contents page of a help file in a help window (the system help call).
     virtual void showHelp(const std::string& helpFile) = 0;
