@@ -37,7 +37,7 @@ std::string upper(std::string s)
 
 bool sameName(const std::string& a, const std::string& b) { return upper(a) == upper(b); }
 
-std::string quoted(const std::string& name)
+std::string sqlName(const std::string& name)
 {
     std::string r = "\"";
     for (char c : name) {
@@ -222,14 +222,33 @@ std::string LinkedDatabase::querySqlite(const std::string& name)
     return toText(rs.field(1));
 }
 
-std::unique_ptr<Database> LinkedDatabase::openForStatements()
+LinkAttachment::~LinkAttachment()
 {
-    auto conn = Database::open(db_->path());
-    const std::vector<TableLink> all = links();
+    // Nothing here may fail the caller: what can't be undone goes with the connection.
+    for (const std::string& view : views_) {
+        try {
+            conn_.executeScript("DROP VIEW IF EXISTS temp." + sqlName(view));
+        } catch (const DbError&) {
+        }
+    }
+    for (const std::string& schema : schemas_) {
+        try {
+            conn_.execute("DETACH DATABASE " + sqlName(schema));
+        } catch (const DbError&) {
+        }
+    }
+}
 
-    // Attach every existing source file once, in the order the links name them.
-    std::vector<std::string> keys;     // canonical file per alias
+void LinkedDatabase::attachLinks(Database& conn, bool ownTablesFirst, LinkAttachment* into)
+{
+    const std::vector<TableLink> all = links();
+    const std::string ownFile = fileKey(conn.path());
+
+    // Attach every existing source file once, in the order the links name them; the
+    // connection's own file is its main schema.
+    std::vector<std::string> keys;     // canonical file per attached alias
     std::vector<std::string> aliasOf;  // alias per link ("" = unresolved)
+    std::vector<std::string> aliases;  // attached aliases in attach order
     for (const TableLink& link : all) {
         const std::string file = connectDatabaseFile(link.connect);
         if (file.empty() || !fileExists(file)) {
@@ -237,14 +256,26 @@ std::unique_ptr<Database> LinkedDatabase::openForStatements()
             continue;
         }
         const std::string key = fileKey(file);
+        if (key == ownFile) {
+            aliasOf.emplace_back("main");
+            continue;
+        }
         auto it = std::find(keys.begin(), keys.end(), key);
         if (it == keys.end()) {
+            // A name no schema of the connection has yet (an attachment of its own may be there).
+            std::string alias;
+            int n = int(keys.size());
+            do
+                alias = "src" + std::to_string(++n);
+            while (!isNull(conn.scalar("SELECT 1 FROM pragma_database_list WHERE name = ?1", {alias})));
+            conn.execute("ATTACH DATABASE ?1 AS " + sqlName(alias), {nativePath(file)});
+            if (into)
+                into->schemas_.push_back(alias);
             keys.push_back(key);
-            conn->execute("ATTACH DATABASE ?1 AS " + quoted("src" + std::to_string(keys.size())),
-                          {nativePath(file)});
+            aliases.push_back(alias);
             it = keys.end() - 1;
         }
-        aliasOf.push_back("src" + std::to_string(it - keys.begin() + 1));
+        aliasOf.push_back(aliases[std::size_t(it - keys.begin())]);
     }
 
     // A table name without schema is looked up in temp, main, then the attached files
@@ -253,22 +284,38 @@ std::unique_ptr<Database> LinkedDatabase::openForStatements()
     for (std::size_t i = 0; i < all.size(); ++i) {
         const TableLink& link = all[i];
         const std::string& alias = aliasOf[i];
-        if (alias.empty() || !conn->tableExists(link.sourceTable, alias))
+        if (alias.empty() || !conn.tableExists(link.sourceTable, alias))
             continue;
-        bool direct = sameName(link.name, link.sourceTable) && !conn->tableExists(link.name, "main");
-        const std::size_t index = std::size_t(std::stoi(alias.substr(3)));
-        for (std::size_t a = 1; direct && a < index; ++a)
-            if (conn->tableExists(link.name, "src" + std::to_string(a)))
+        if (ownTablesFirst && conn.tableExists(link.name, "main"))
+            continue;
+        bool direct = sameName(link.name, link.sourceTable) && (alias == "main" || !conn.tableExists(link.name, "main"));
+        for (std::size_t a = 0; direct && alias != "main" && aliases[a] != alias; ++a)
+            if (conn.tableExists(link.name, aliases[a]))
                 direct = false;
-        if (!direct)
-            conn->executeScript("CREATE TEMP VIEW " + quoted(link.name) + " AS SELECT * FROM " + quoted(alias) + "." +
-                                quoted(link.sourceTable));
+        if (direct)
+            continue;
+        conn.executeScript("CREATE TEMP VIEW " + sqlName(link.name) + " AS SELECT * FROM " + sqlName(alias) + "." +
+                           sqlName(link.sourceTable));
+        if (into)
+            into->views_.push_back(link.name);
     }
+}
 
+std::unique_ptr<Database> LinkedDatabase::openForStatements()
+{
+    auto conn = Database::open(db_->path());
+    attachLinks(*conn, false, nullptr);
     const Recordset queries = db_->query(kSelectQueries);
     for (const auto& row : queries.rows())
-        conn->executeScript("CREATE TEMP VIEW " + quoted(toText(row[0])) + " AS " + toText(row[1]));
+        conn->executeScript("CREATE TEMP VIEW " + sqlName(toText(row[0])) + " AS " + toText(row[1]));
     return conn;
+}
+
+std::unique_ptr<LinkAttachment> LinkedDatabase::attachTo(Database& conn)
+{
+    std::unique_ptr<LinkAttachment> attachment(new LinkAttachment(conn));
+    attachLinks(conn, true, attachment.get());
+    return attachment;
 }
 
 } // namespace qi

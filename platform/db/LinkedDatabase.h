@@ -40,6 +40,22 @@ struct TableLink {
 /// for ODBC and other connect strings.
 std::string connectDatabaseFile(const std::string& connect);
 
+/// The links of a linked database made usable on another connection for a while
+/// (see LinkedDatabase::attachTo); releasing it drops the views and detaches the files.
+class LinkAttachment {
+public:
+    ~LinkAttachment();
+    LinkAttachment(const LinkAttachment&) = delete;
+    LinkAttachment& operator=(const LinkAttachment&) = delete;
+
+private:
+    friend class LinkedDatabase;
+    explicit LinkAttachment(Database& conn) : conn_(conn) {}
+    Database& conn_;
+    std::vector<std::string> schemas_;
+    std::vector<std::string> views_;
+};
+
 class LinkedDatabase {
 public:
     /// Creates the tables that hold the links and stored queries in a new database.
@@ -89,8 +105,19 @@ public:
     /// Links whose source is missing or not a Jet file stay unresolved: a
     /// statement that uses them fails with DbError 3078.
     std::unique_ptr<Database> openForStatements();
+    /// Makes the links usable on `conn`, another database's connection, as openForStatements
+    /// does on a connection of its own: the link sources are attached (a source that is `conn`'s
+    /// own file is not attached again) and renamed links are views. Tables of `conn` itself come
+    /// first: a link whose name is one of them is left out, so statements on `conn` read and write
+    /// its own tables and reach the others through the links. Stored queries are not made.
+    /// Call it outside a transaction; releasing the result undoes it.
+    std::unique_ptr<LinkAttachment> attachTo(Database& conn);
 
 private:
+    /// Attaches the link sources to `conn` and makes the views of renamed links; attached
+    /// schemas and views are noted in `into` when given. Links named like a table of `conn`'s
+    /// main schema are left out when `ownTablesFirst`.
+    void attachLinks(Database& conn, bool ownTablesFirst, LinkAttachment* into);
     explicit LinkedDatabase(std::unique_ptr<Database> db) : db_(std::move(db)) {}
     /// Raises the error for a link source that can't be used.
     static void checkSource(const TableLink& link);
