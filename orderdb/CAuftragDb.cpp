@@ -122,9 +122,11 @@ bool CAuftragDb::AddNewDatInventurRec(CDatInventurRec* rec, bool& duplicate)
         try {
             rs.update();
         } catch (const DbError& e) {
-            // A refused duplicate is abandoned: the table stays unchanged.
-            if (e.number() == dberr::DuplicateKey)
-                duplicate = true;
+            // A refused duplicate is abandoned: the table stays unchanged. Any other
+            // failure (disk, lock, engine) is the operation's failure.
+            if (e.number() != dberr::DuplicateKey)
+                throw;
+            duplicate = true;
         }
         return true;
     } catch (const NoDatabase&) {
@@ -143,7 +145,7 @@ bool CAuftragDb::GetDatInventurByInvNr(CDatInventurRec* rec, CDatInventurRec& ex
 {
     begin();
     if (!rec)
-        return false;
+        return fail(failtext::Save, std::runtime_error(kNoObject));
     try {
         Recordset rs = db().query(kGetDatInventurByInvNr.sqlite, {rec->stInvNr});
         if (!rs.empty()) {

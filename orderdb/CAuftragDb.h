@@ -48,7 +48,7 @@ public:
     bool AddNewArtikellisteRec(CArtikellisteRec* rec) { return addNewRec(rec); }
     bool EditArtikellisteRec(CArtikellisteRec* rec) { return editRec(rec); }
     bool ReadArtikellisteRec(CArtikellisteRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelArtikellisteRec(CArtikellisteRec* rec) { return rec ? delRec<CArtikellisteRec>(rec->lID) : (begin(), false); }
+    bool DelArtikellisteRec(CArtikellisteRec* rec) { return delRec(rec); }
     bool DelAllArtikellisteRec();
     bool ReadAllArtikellisteRec2Coll(CArtikellisteRecColl& coll) { return readAllRec2Coll(coll); }
 
@@ -56,7 +56,7 @@ public:
     bool AddNewDateienRec(CDateienRec* rec) { return addNewRec(rec); }
     bool EditDateienRec(CDateienRec* rec) { return editRec(rec); }
     bool ReadDateienRec(CDateienRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelDateienRec(CDateienRec* rec) { return rec ? delRec<CDateienRec>(rec->lID) : (begin(), false); }
+    bool DelDateienRec(CDateienRec* rec) { return delRec(rec); }
     bool ReadAllDateienRec2Coll(CDateienRecColl& coll) { return readAllRec2Coll(coll); }
 
     // T_DatInventur
@@ -68,7 +68,7 @@ public:
     bool GetDatInventurByInvNr(CDatInventurRec* rec, CDatInventurRec& existing);
     bool EditDatInventurRec(CDatInventurRec* rec) { return editRec(rec); }
     bool ReadDatInventurRec(CDatInventurRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelDatInventurRec(CDatInventurRec* rec) { return rec ? delRec<CDatInventurRec>(rec->lID) : (begin(), false); }
+    bool DelDatInventurRec(CDatInventurRec* rec) { return delRec(rec); }
     bool DelAllDatInventur();
     bool ReadAllDatInventurRec2Coll(CDatInventurRecColl& coll) { return readAllRec2Coll(coll); }
 
@@ -76,21 +76,21 @@ public:
     bool AddNewDifferenzlisteRec(CDifferenzlisteRec* rec) { return addNewRec(rec); }
     bool EditDifferenzlisteRec(CDifferenzlisteRec* rec) { return editRec(rec); }
     bool ReadDifferenzlisteRec(CDifferenzlisteRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelDifferenzlisteRec(CDifferenzlisteRec* rec) { return rec ? delRec<CDifferenzlisteRec>(rec->lID) : (begin(), false); }
+    bool DelDifferenzlisteRec(CDifferenzlisteRec* rec) { return delRec(rec); }
     bool ReadAllDifferenzlisteRec2Coll(CDifferenzlisteRecColl& coll) { return readAllRec2Coll(coll); }
 
     // T_Invliste
     bool AddNewInvlisteRec(CInvlisteRec* rec) { return addNewRec(rec); }
     bool EditInvlisteRec(CInvlisteRec* rec) { return editRec(rec); }
     bool ReadInvlisteRec(CInvlisteRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelInvlisteRec(CInvlisteRec* rec) { return rec ? delRec<CInvlisteRec>(rec->lID) : (begin(), false); }
+    bool DelInvlisteRec(CInvlisteRec* rec) { return delRec(rec); }
     bool ReadAllInvlisteRec2Coll(CInvlisteRecColl& coll) { return readAllRec2Coll(coll); }
 
     // T_Raum
     bool AddNewRaumRec(CRaumRec* rec) { return addNewRec(rec); }
     bool EditRaumRec(CRaumRec* rec) { return editRec(rec); }
     bool ReadRaumRec(CRaumRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
-    bool DelRaumRec(CRaumRec* rec) { return rec ? delRec<CRaumRec>(rec->lID) : (begin(), false); }
+    bool DelRaumRec(CRaumRec* rec) { return delRec(rec); }
     bool ReadAllRaumRec2Coll(CRaumRecColl& coll) { return readAllRec2Coll(coll); }
 
     // Reconciliation and room statements (CAuftragDbStatements.cpp)

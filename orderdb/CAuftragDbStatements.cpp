@@ -190,9 +190,6 @@ constexpr JetSql kMakeListFehlend{
     "DELETE FROM T_Differenzliste WHERE stTyp <> "
     "'3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.'"};
 
-/// The engine's answer when a statement is sent without an open database.
-constexpr const char* kNoDatabase = "Objektvariable oder With-Blockvariable nicht festgelegt";
-
 /// Runs `body`; an error of the engine (or a missing database) goes to `onError` with its description.
 template <class Body, class OnError>
 bool guarded(Body&& body, OnError&& onError)
@@ -200,7 +197,7 @@ bool guarded(Body&& body, OnError&& onError)
     try {
         return body();
     } catch (const NoDatabase&) {
-        return onError(std::string(kNoDatabase));
+        return onError(std::string(kNoObject));
     } catch (const DbError& e) {
         return onError(e.description());
     } catch (const std::exception& e) {
@@ -228,7 +225,6 @@ bool CAuftragDb::DelAllDiffListe() { return executeDelete(kDelAllDiffListe.sqlit
 
 bool CAuftragDb::WriteReihenfolgeDiffListe()
 {
-    begin();
     std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
@@ -256,7 +252,6 @@ bool CAuftragDb::WriteReihenfolgeDiffListe()
 
 bool CAuftragDb::WriteReihenfolgeDatInventur()
 {
-    begin();
     std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
@@ -322,21 +317,18 @@ bool CAuftragDb::WriteReihenfolgeDatInventur()
 
 bool CAuftragDb::RaumVorhanden(const std::string& room)
 {
-    begin();
     return guarded([&] { return !db().query(kRaumVorhanden.sqlite, {room}).empty(); },
                    [&](const std::string& description) { return problem(description); });
 }
 
 bool CAuftragDb::RaumImAuftrag(const std::string& room)
 {
-    begin();
     return guarded([&] { return !db().query(kRaumImAuftrag.sqlite, {room}).empty(); },
                    [&](const std::string& description) { return problem(description); });
 }
 
 bool CAuftragDb::MakeInvListbyRoom(const std::string& room)
 {
-    begin();
     return guarded(
         [&] {
             db().execute(kMakeInvListbyRoom.sqlite, {room});
@@ -347,7 +339,6 @@ bool CAuftragDb::MakeInvListbyRoom(const std::string& room)
 
 bool CAuftragDb::SetStatusRoomsByDB()
 {
-    begin();
     std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
@@ -388,7 +379,7 @@ bool CAuftragDb::SetStatusRoomsByDB()
 
 bool CAuftragDb::runStatements(std::initializer_list<std::string_view> statements)
 {
-    begin();
+    // LastError stays as it was: these statements report through the "Problem" message.
     // Each statement stands on its own: those before a failing one stay applied.
     return guarded(
         [&] {
@@ -413,7 +404,6 @@ bool CAuftragDb::GetRaumGefunden()
 
 bool CAuftragDb::GetRaumSoll()
 {
-    begin();
     std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
@@ -440,7 +430,6 @@ bool CAuftragDb::GetRaumSoll()
 
 bool CAuftragDb::WriteIst()
 {
-    begin();
     std::unique_ptr<Database::Transaction> tx;
     return guarded(
         [&] {
@@ -458,8 +447,7 @@ bool CAuftragDb::WriteIst()
         },
         [&](const std::string& description) {
             // Articles already counted stay counted.
-            if (tx)
-                tx->commit();
+            keepWritten(tx);
             return problem(description);
         });
 }

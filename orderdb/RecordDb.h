@@ -10,6 +10,7 @@
 #include "RecordFields.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace qi {
@@ -75,6 +76,9 @@ protected:
     bool readRec(Rec* rec, std::int32_t id);
     template <class Rec>
     bool delRec(std::int32_t id);
+    /// Deletes the record's row; no record object fails like a missing object.
+    template <class Rec>
+    bool delRec(const Rec* rec);
     template <class Rec>
     bool readAllRec2Coll(CRecColl<Rec>& coll);
     /// Runs an action statement; `failText` on error.
@@ -91,6 +95,9 @@ private:
 
 /// Raised inside an operation that needs an open database when none is open.
 struct NoDatabase {};
+
+/// The engine's description of a missing object (a record or database not there).
+inline constexpr const char* kNoObject = "Objektvariable oder With-Blockvariable nicht festgelegt";
 
 // ---------------------------------------------------------------- templates
 
@@ -163,6 +170,16 @@ bool RecordDb::readRec(Rec* rec, std::int32_t id)
     } catch (const std::exception& e) {
         return fail(failtext::Read, e);
     }
+}
+
+template <class Rec>
+bool RecordDb::delRec(const Rec* rec)
+{
+    if (!rec) {
+        begin();
+        return fail(failtext::Delete, std::runtime_error(kNoObject));
+    }
+    return delRec<Rec>(rec->lID);
 }
 
 template <class Rec>

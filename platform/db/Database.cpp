@@ -297,7 +297,6 @@ void Database::executeScript(std::string_view sql)
 {
     statements_.clear();
     tables_.clear();
-    keyCache_.clear();
     char* err = nullptr;
     const std::string text(sql);
     const int rc = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, &err);
@@ -389,31 +388,27 @@ const TableInfo& Database::tableInfo(std::string_view name)
 
 std::int64_t Database::reserveAutoNumber(const TableInfo& table)
 {
-    // The key is taken when the row is begun and is never handed out again,
-    // even if the row is abandoned. The largest key present counts too, so that
-    // rows stored with explicit keys are respected.
-    // Inside a transaction that already wrote, no other connection can write, so the
-    // last key handed out is remembered instead of being read again for every row;
-    // storing the row moves the sequence on by itself, an abandoned row does so
-    // through consumeAutoNumber.
-    const bool inWriteTransaction =
-        sqlite3_get_autocommit(db_) == 0 && sqlite3_txn_state(db_, "main") == SQLITE_TXN_WRITE;
-    if (const auto cached = keyCache_.find(table.name); inWriteTransaction && cached != keyCache_.end())
-        return ++cached->second;
-    const std::int64_t maxKey = toLong(scalar("SELECT max(rowid) FROM \"" + table.name + "\""));
-    const Value seq = scalar("SELECT seq FROM sqlite_sequence WHERE name = ?1", {table.name});
-    const std::int64_t next = std::max(maxKey, isNull(seq) ? 0 : toLong(seq)) + 1;
-    if (isNull(seq))
-        execute("INSERT INTO sqlite_sequence(name, seq) VALUES (?1, ?2)", {table.name, next});
-    else
-        execute("UPDATE sqlite_sequence SET seq = ?2 WHERE name = ?1", {table.name, next});
-    keyCache_[table.name] = next;
-    return next;
+    // The key is taken when the row is begun and is never handed out again, even if
+    // the row is abandoned. The next key lies past the largest key present (rows stored
+    // with explicit keys, rows that set-based statements inserted), past the table's
+    // sequence (keys of rows since deleted or abandoned) and past the last key this
+    // connection handed out (a row begun and not stored yet). Storing the row moves the
+    // sequence on by itself; an abandoned row does so through consumeAutoNumber.
+    Statement& st = prepare("SELECT max(coalesce((SELECT max(rowid) FROM \"" + table.name +
+                            "\"), 0), coalesce((SELECT seq FROM sqlite_sequence WHERE name = ?1), 0))");
+    st.bindAll({table.name});
+    st.step();
+    const std::int64_t stored = st.columnInt(0);
+    st.reset();
+    std::int64_t& last = lastKey_[lower(table.name)];
+    last = std::max(stored, last) + 1;
+    return last;
 }
 
 void Database::consumeAutoNumber(const TableInfo& table, std::int64_t key)
 {
-    execute("UPDATE sqlite_sequence SET seq = max(seq, ?2) WHERE name = ?1", {table.name, key});
+    if (execute("UPDATE sqlite_sequence SET seq = max(seq, ?2) WHERE name = ?1", {table.name, key}) == 0)
+        execute("INSERT INTO sqlite_sequence(name, seq) VALUES (?1, ?2)", {table.name, key});
 }
 
 // ---------------------------------------------------------------- Transaction
@@ -441,7 +436,6 @@ void Database::Transaction::commit()
     if (!open_)
         return;
     open_ = false;
-    db_.keyCache_.clear();
     char* err = nullptr;
     const int rc = sqlite3_exec(db_.db_, ("RELEASE " + name_).c_str(), nullptr, nullptr, &err);
     sqlite3_free(err);
@@ -454,7 +448,6 @@ void Database::Transaction::rollback()
     if (!open_)
         return;
     open_ = false;
-    db_.keyCache_.clear();
     sqlite3_exec(db_.db_, ("ROLLBACK TO " + name_ + "; RELEASE " + name_).c_str(), nullptr, nullptr, nullptr);
 }
 

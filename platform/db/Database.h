@@ -157,8 +157,8 @@ private:
     int savepointCounter_ = 0;
     std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
     std::map<std::string, TableInfo> tables_;
-    /// Last AutoNumber handed out per table, trusted only inside a write transaction.
-    std::unordered_map<std::string, std::int64_t> keyCache_;
+    /// Last AutoNumber handed out per table (lower-case name) on this connection.
+    std::unordered_map<std::string, std::int64_t> lastKey_;
 };
 
 } // namespace qi

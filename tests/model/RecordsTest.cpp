@@ -77,14 +77,32 @@ TEST(Records, CopyFromCarriesMemoryOnlyFields)
     EXPECT_EQ(g.erstellt, f.erstellt);
 }
 
-TEST(Records, CopyFromCopiesStringsNotShares)
+TEST(Records, CopyFromCopiesEveryFieldIntoARecordOfItsOwn)
 {
-    CRaumRec a;
-    a.stRaumNr = "101";
-    CRaumRec b;
+    // Every field arrives, the memory-only ones included, and the copy keeps its values
+    // when the source changes afterwards.
+    CDatInventurRec a;
+    a.lID = 7; a.stMitarbNr = "M"; a.stAuftragsNr = "O"; a.Datum = "01.02.2015"; a.Uhrzeit = "10:00";
+    a.stRaum = "101"; a.stInvNr = "INV"; a.stArtNr = "ART"; a.stArtName = "Stuhl"; a.stTaet = "E";
+    a.iReihenfolge = 3; a.lDatID = 9;
+    CDatInventurRec b;
     b.CopyFrom(a);
-    a.stRaumNr = "202";
-    EXPECT_EQ(b.stRaumNr, "101");
+    a.Init();
+    EXPECT_EQ(b.lID, 7); EXPECT_EQ(b.stMitarbNr, "M"); EXPECT_EQ(b.stAuftragsNr, "O");
+    EXPECT_EQ(b.Datum, "01.02.2015"); EXPECT_EQ(b.Uhrzeit, "10:00"); EXPECT_EQ(b.stRaum, "101");
+    EXPECT_EQ(b.stInvNr, "INV"); EXPECT_EQ(b.stArtNr, "ART"); EXPECT_EQ(b.stArtName, "Stuhl");
+    EXPECT_EQ(b.stTaet, "E"); EXPECT_EQ(b.iReihenfolge, 3); EXPECT_EQ(b.lDatID, 9);
+
+    CDifferenzlisteRec d;
+    d.lID = 1; d.lRaumID = 2; d.stSollInvNR = "S"; d.stIstInvNR = "I"; d.stBeschreibung = "B"; d.stZiel = "Z";
+    d.stQuelle = "Q"; d.stQuarn = "R"; d.stArtNr = "A"; d.Datum = "D"; d.Uhrzeit = "U"; d.iMarke = 5; d.stTyp = "1 OK";
+    CDifferenzlisteRec e;
+    e.CopyFrom(d);
+    d.Init();
+    EXPECT_EQ(e.lID, 1); EXPECT_EQ(e.lRaumID, 2); EXPECT_EQ(e.stSollInvNR, "S"); EXPECT_EQ(e.stIstInvNR, "I");
+    EXPECT_EQ(e.stBeschreibung, "B"); EXPECT_EQ(e.stZiel, "Z"); EXPECT_EQ(e.stQuelle, "Q"); EXPECT_EQ(e.stQuarn, "R");
+    EXPECT_EQ(e.stArtNr, "A"); EXPECT_EQ(e.Datum, "D"); EXPECT_EQ(e.Uhrzeit, "U"); EXPECT_EQ(e.iMarke, 5);
+    EXPECT_EQ(e.stTyp, "1 OK");
 }
 
 TEST(Records, InitRestoresEveryInitValue)

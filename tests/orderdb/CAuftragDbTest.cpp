@@ -1,7 +1,9 @@
 #include "FileSystem.h"
+#include "TableRecordset.h"
 #include "TestSupport.h"
 
 using namespace qi;
+using test::leaveLastError;
 using test::OrderDbTest;
 
 namespace {
@@ -23,6 +25,7 @@ CDatInventurRec scan(const std::string& inv, const std::string& room)
 
 TEST_F(OrderDbTest, AddNewWithoutRecordReturnsFalseAndLeavesLastErrorEmpty)
 {
+    leaveLastError(db);
     EXPECT_FALSE(db.AddNewRaumRec(nullptr));
     EXPECT_EQ(db.LastError(), "");
     EXPECT_FALSE(db.AddNewArtikellisteRec(nullptr));
@@ -30,6 +33,7 @@ TEST_F(OrderDbTest, AddNewWithoutRecordReturnsFalseAndLeavesLastErrorEmpty)
     EXPECT_FALSE(db.AddNewDifferenzlisteRec(nullptr));
     EXPECT_FALSE(db.AddNewInvlisteRec(nullptr));
     bool dup = true;
+    leaveLastError(db);
     EXPECT_FALSE(db.AddNewDatInventurRec(nullptr, dup));
     EXPECT_FALSE(dup);
     EXPECT_EQ(db.LastError(), "");
@@ -53,6 +57,7 @@ TEST_F(OrderDbTest, DuplicateInventoryNumberIsRefusedButSucceeds)
     ASSERT_TRUE(db.AddNewDatInventurRec(&a, dup));
     EXPECT_FALSE(dup);
     CDatInventurRec b = scan("4711", "2");
+    leaveLastError(db);
     ASSERT_TRUE(db.AddNewDatInventurRec(&b, dup)) << db.LastError();
     EXPECT_TRUE(dup);
     EXPECT_EQ(db.LastError(), "");
@@ -183,6 +188,7 @@ TEST_F(OrderDbTest, IsValidDbWithoutDatabaseFailsAtOnce)
 
 TEST_F(OrderDbTest, OpenWithEmptyPathReturnsFalseWithoutText)
 {
+    leaveLastError(db);
     db.setDbPath("");
     EXPECT_FALSE(db.OpenDb());
     EXPECT_EQ(db.LastError(), "");
@@ -237,17 +243,45 @@ TEST_F(OrderDbTest, SuccessClearsLastError)
 
 TEST_F(OrderDbTest, SixteenBitOverflowFailsTheSave)
 {
+    // A 16-bit column refuses 32768 when the row is saved: the new row is not stored,
+    // the changed row keeps its value.
     CArtikellisteRec a;
     a.stArtikel = "A";
     a.iAnzSoll = 32767;
     ASSERT_TRUE(db.AddNewArtikellisteRec(&a));
-    db.database()->execute("UPDATE T_Artikelliste SET iAnzIst = 5");
+    {
+        TableRecordset rs(*db.database(), "T_Artikelliste");
+        rs.addNew();
+        rs.setField("stArtikel", std::string("B"));
+        try {
+            rs.setField("iAnzSoll", std::int64_t{32768});
+            rs.update();
+            FAIL() << "32768 was saved";
+        } catch (const DbError& e) {
+            EXPECT_EQ(e.number(), dberr::NumericOverflow);
+            EXPECT_STREQ(e.what(), "Numerischer Feldüberlauf.");
+        }
+    }
+    {
+        TableRecordset rs(*db.database(), "T_Artikelliste");
+        rs.setIndex("PrimaryKey");
+        ASSERT_TRUE(rs.seek(a.lID));
+        rs.edit();
+        EXPECT_THROW(rs.setField("iAnzSoll", std::int64_t{32768}), DbError);
+    }
+    // A statement that would write past the range is refused as a whole.
     try {
         db.database()->execute("UPDATE T_Artikelliste SET iAnzSoll = iAnzSoll + 1");
-        FAIL();
+        FAIL() << "the statement saved 32768";
     } catch (const DbError& e) {
         EXPECT_EQ(e.number(), dberr::NumericOverflow);
     }
+    CArtikellisteRecColl all;
+    ASSERT_TRUE(db.ReadAllArtikellisteRec2Coll(all));
+    ASSERT_EQ(all.Count(), 1);
+    const CArtikellisteRec* only = all.Item(CArtikellisteRecColl::MakeIndex(a.lID));
+    ASSERT_NE(only, nullptr);
+    EXPECT_EQ(only->iAnzSoll, 32767);
 }
 
 TEST_F(OrderDbTest, EveryTableRoundTripsItsFields)
@@ -383,4 +417,148 @@ TEST_F(OrderDbTest, FailedAddNewLeavesTheRecordWithoutKey)
     EXPECT_FALSE(db.AddNewDatInventurRec(&s, dup));
     EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u) << db.LastError();
     EXPECT_EQ(s.lID, 0);
+}
+
+// ---------------------------------------------------------------- missing record objects
+
+TEST_F(OrderDbTest, DeleteWithoutRecordFailsWithItsText)
+{
+    const std::string expected =
+        "Der Datensatz konnte nicht gelöscht werden!\r\nObjektvariable oder With-Blockvariable nicht festgelegt";
+    EXPECT_FALSE(db.DelArtikellisteRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+    EXPECT_FALSE(db.DelDateienRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+    EXPECT_FALSE(db.DelDatInventurRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+    EXPECT_FALSE(db.DelDifferenzlisteRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+    EXPECT_FALSE(db.DelInvlisteRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+    EXPECT_FALSE(db.DelRaumRec(nullptr));
+    EXPECT_EQ(db.LastError(), expected);
+}
+
+TEST_F(OrderDbTest, GetDatInventurByInvNrWithoutRecordFailsWithItsText)
+{
+    CDatInventurRec existing;
+    existing.stInvNr = "unchanged";
+    EXPECT_FALSE(db.GetDatInventurByInvNr(nullptr, existing));
+    EXPECT_EQ(db.LastError(),
+              "Der Datensatz konnte nicht gespeichert werden!\r\nObjektvariable oder With-Blockvariable nicht festgelegt");
+    EXPECT_EQ(existing.stInvNr, "unchanged");
+}
+
+// ---------------------------------------------------------------- scan lines the engine refuses
+
+TEST_F(OrderDbTest, AddNewDatInventurRecFailsOnAnEngineErrorOtherThanADuplicate)
+{
+    // A write the engine refuses for another reason than a duplicate (here a trigger, as a
+    // full disk or a lock would) is the operation's failure: the line is not taken for stored.
+    db.database()->execute("CREATE TRIGGER refuse_line BEFORE INSERT ON T_DatInventur WHEN NEW.stInvNr = 'BAD' "
+                           "BEGIN SELECT RAISE(ABORT, 'Datenträger voll'); END");
+    CDatInventurRec good = scan("GOOD", "4711");
+    bool dup = true;
+    ASSERT_TRUE(db.AddNewDatInventurRec(&good, dup)) << db.LastError();
+    EXPECT_FALSE(dup);
+    CDatInventurRec bad = scan("BAD", "4711");
+    dup = true;
+    EXPECT_FALSE(db.AddNewDatInventurRec(&bad, dup));
+    EXPECT_FALSE(dup);
+    EXPECT_EQ(bad.lID, 0);
+    EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u) << db.LastError();
+    EXPECT_NE(db.LastError().find("Datenträger voll"), std::string::npos) << db.LastError();
+    CDatInventurRecColl all;
+    ASSERT_TRUE(db.ReadAllDatInventurRec2Coll(all));
+    EXPECT_EQ(all.Count(), 1);
+}
+
+// ---------------------------------------------------------------- AutoNumber
+
+namespace {
+std::int32_t addDiffRow(CAuftragDb& db, const std::string& soll)
+{
+    CDifferenzlisteRec r;
+    r.lRaumID = 1;
+    r.stSollInvNR = soll;
+    EXPECT_TRUE(db.AddNewDifferenzlisteRec(&r)) << db.LastError();
+    return r.lID;
+}
+} // namespace
+
+TEST_F(OrderDbTest, AutoNumberIsNeverReusedAfterRowsWereDeleted)
+{
+    const auto first = addDiffRow(db, "A");
+    const auto second = addDiffRow(db, "B");
+    ASSERT_TRUE(db.DelAllDiffListe());
+    const auto third = addDiffRow(db, "C");
+    EXPECT_GT(third, second);
+    EXPECT_GT(second, first);
+    // A fresh connection to the same file continues after the deleted keys too.
+    db.CloseDb();
+    ASSERT_TRUE(db.OpenDb());
+    EXPECT_GT(addDiffRow(db, "D"), third);
+}
+
+TEST_F(OrderDbTest, AutoNumberInATransactionWhoseFirstWriteIsNotAnAddNew)
+{
+    // A row added by a record call, rows that a statement inserted after it, then a
+    // transaction that first empties the table: the next key lies past all of them.
+    CRaumRec room;
+    room.stRaumNr = "A";
+    room.ststatus = "E";
+    ASSERT_TRUE(db.AddNewRaumRec(&room));
+    for (const char* inv : {"S1", "S2", "S3"}) {
+        CDatInventurRec s = scan(inv, "A");
+        bool dup = false;
+        ASSERT_TRUE(db.AddNewDatInventurRec(&s, dup));
+    }
+    addDiffRow(db, "A");
+    ASSERT_TRUE(db.MakeIstScanExtra());
+    const std::int64_t largest = toLong(db.database()->scalar("SELECT max(lID) FROM T_Differenzliste"));
+    Database::Transaction tx(*db.database());
+    ASSERT_TRUE(db.DelAllDiffListe());
+    const auto a = addDiffRow(db, "B");
+    const auto b = addDiffRow(db, "C");
+    tx.commit();
+    EXPECT_GT(a, largest);
+    EXPECT_GT(b, a);
+}
+
+TEST_F(OrderDbTest, AutoNumberAfterSetBasedInsertsInTheSameTransaction)
+{
+    // Statements that insert rows take keys the record calls must not hand out again.
+    CRaumRec room;
+    room.stRaumNr = "A";
+    room.ststatus = "E";
+    ASSERT_TRUE(db.AddNewRaumRec(&room));
+    for (const char* inv : {"S1", "S2", "S3"}) {
+        CDatInventurRec s = scan(inv, "A");
+        bool dup = false;
+        ASSERT_TRUE(db.AddNewDatInventurRec(&s, dup));
+    }
+    Database::Transaction tx(*db.database());
+    const auto soll = addDiffRow(db, "X");
+    ASSERT_TRUE(db.MakeIstScanExtra()); // three Ist-only rows
+    const auto next = addDiffRow(db, "Y");
+    tx.commit();
+    const Recordset keys = db.database()->query("SELECT lID FROM T_Differenzliste ORDER BY lID");
+    ASSERT_EQ(keys.size(), 5u);
+    EXPECT_EQ(toLong(keys.rows()[0][0]), soll);
+    EXPECT_EQ(toLong(keys.rows()[4][0]), next);
+    EXPECT_GT(next, toLong(keys.rows()[3][0]));
+    EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(OrderDbTest, AbandonedRowKeepsItsKeyConsumed)
+{
+    const auto a = addDiffRow(db, "A");
+    std::int64_t abandoned = 0;
+    {
+        TableRecordset rs(*db.database(), "T_Differenzliste");
+        abandoned = rs.addNew();
+    }
+    const auto b = addDiffRow(db, "B");
+    EXPECT_GT(abandoned, a);
+    EXPECT_GT(b, abandoned);
 }

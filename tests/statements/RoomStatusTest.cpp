@@ -183,7 +183,10 @@ TEST_F(StatementsTest, SetStatusCountOverflowKeepsRoomsBeforeAndLeavesRoomsAfter
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32768) "
         "INSERT INTO T_DatInventur (stRaum, stInvNr, Datum, lDatID) SELECT 'B', 'N' || i, 'd', 1 FROM n");
     ASSERT_TRUE(db.ResetStatusRooms());
+    const std::string before = leaveLastError(db);
     EXPECT_FALSE(db.SetStatusRoomsByDB());
+    // The statement reports through its message and leaves LastError alone.
+    EXPECT_EQ(db.LastError(), before);
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text, "Numerischer Feldüberlauf.");
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
@@ -195,7 +198,6 @@ TEST_F(StatementsTest, SetStatusCountOverflowKeepsRoomsBeforeAndLeavesRoomsAfter
     EXPECT_EQ(ra.iAnzahl, 1);
     EXPECT_EQ(readRoom(db, b).ststatus, "N");
     EXPECT_EQ(readRoom(db, c).ststatus, "N");
-    EXPECT_EQ(db.LastError(), "");
 }
 
 // ---------------------------------------------------------------- line order
@@ -230,13 +232,14 @@ TEST_F(StatementsTest, MoreThan32767LinesInOneRoomOverflow)
     sql().execute(
         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32768) "
         "INSERT INTO T_DatInventur (stRaum, stInvNr) SELECT 'B', 'N' || i FROM n");
+    const std::string before = leaveLastError(db);
     EXPECT_FALSE(db.WriteReihenfolgeDatInventur());
+    EXPECT_EQ(db.LastError(), before);
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text, "Überlauf");
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
     EXPECT_EQ(ui.messages[0].buttons, MsgButtons::Ok);
     EXPECT_EQ(ui.messages[0].title, "Problem");
-    EXPECT_EQ(db.LastError(), "");
     // The room before is numbered, the overflowing room up to the last number that fits,
     // and the walk ends there: the room after it stays unnumbered.
     const auto number = [&](const char* inv) {
@@ -313,14 +316,44 @@ TEST_F(StatementsTest, WriteIstCountsScanLinesPerArticle)
 
 TEST_F(StatementsTest, ArticleWithoutScanLinesKeepsCountZero)
 {
+    // A count left from an earlier tally is overwritten with 0.
     CArtikellisteRec r;
     r.stArtikel = "ART9";
-    r.iAnzIst = 0;
+    r.iAnzIst = 7;
     ASSERT_TRUE(db.AddNewArtikellisteRec(&r));
     ASSERT_TRUE(addScan("A", "X1", "ART1"));
     ASSERT_TRUE(db.WriteIst());
     ASSERT_TRUE(db.ReadArtikellisteRec(&r));
     EXPECT_EQ(r.iAnzIst, 0);
+}
+
+TEST_F(StatementsTest, WriteIstReportsItsErrorEvenWhenKeepingTheCountsFails)
+{
+    // The second article refuses its count; keeping the first one's count then fails as
+    // well (a deferred constraint at the commit). The walk shows the first error and returns.
+    CArtikellisteRec a1;
+    a1.stArtikel = "ART1";
+    ASSERT_TRUE(db.AddNewArtikellisteRec(&a1));
+    CArtikellisteRec a2;
+    a2.stArtikel = "ART2";
+    ASSERT_TRUE(db.AddNewArtikellisteRec(&a2));
+    ASSERT_TRUE(addScan("A", "X1", "ART1"));
+    sql().execute("PRAGMA foreign_keys = ON");
+    sql().executeScript(
+        "CREATE TABLE parent (id INTEGER PRIMARY KEY);"
+        "CREATE TABLE child (p INTEGER REFERENCES parent(id) DEFERRABLE INITIALLY DEFERRED);"
+        "CREATE TRIGGER orphan AFTER UPDATE OF iAnzIst ON T_Artikelliste WHEN NEW.lID = " + std::to_string(a1.lID) +
+        " BEGIN INSERT INTO child VALUES (99); END;"
+        "CREATE TRIGGER refuse BEFORE UPDATE OF iAnzIst ON T_Artikelliste WHEN NEW.lID = " + std::to_string(a2.lID) +
+        " BEGIN SELECT RAISE(ABORT, 'Zeile gesperrt'); END;");
+    bool result = true;
+    EXPECT_NO_THROW(result = db.WriteIst());
+    EXPECT_FALSE(result);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_NE(ui.messages[0].text.find("Zeile gesperrt"), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    // The connection is usable afterwards.
+    EXPECT_TRUE(db.DelAllInvListe()) << db.LastError();
 }
 
 TEST_F(StatementsTest, ArticleWhoseCountIsNullCountsZero)
@@ -394,8 +427,9 @@ TEST_F(StatementsTest, RoomStatementsEngineErrorShowsProblem)
     }
     sql().execute("DROP TABLE T_Raum");
     ui.messages.clear();
+    const std::string before = leaveLastError(db);
     EXPECT_FALSE(db.ResetStatusRooms());
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text, missingTableText("T_Raum"));
-    EXPECT_EQ(db.LastError(), "");
+    EXPECT_EQ(db.LastError(), before);
 }

@@ -69,6 +69,15 @@ QApplication& qtApplication()
     return *app;
 }
 
+std::string leaveLastError(CAuftragDb& db)
+{
+    CRaumRec missing;
+    missing.lID = -1;
+    EXPECT_FALSE(db.ReadRaumRec(&missing));
+    EXPECT_EQ(db.LastError().rfind("Der Datensatz konnte nicht gelesen werden!", 0), 0u) << db.LastError();
+    return db.LastError();
+}
+
 void OrderDbTest::SetUp()
 {
     dbFile = dir.file("A1.mdb");

@@ -41,6 +41,10 @@ void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
 
+/// Leaves a failure text in the database object's LastError (reading a key that is not
+/// there), so that a test can tell an operation that clears or keeps it.
+std::string leaveLastError(CAuftragDb& db);
+
 /// A test with a temporary folder, a scripted user and an open, empty order database.
 class OrderDbTest : public ::testing::Test {
 protected:

@@ -294,6 +294,24 @@ TEST_F(ImportTest, ErrorStopsTheImportAndKeepsTheRowsStoredBefore)
     EXPECT_TRUE(removeFile(f));
 }
 
+TEST_F(ImportTest, ALineTheDatabaseCannotStoreStopsTheImport)
+{
+    // The engine refuses a line for another reason than a duplicate (as a full disk would):
+    // the import stops with the database's text; lines stored before stay, none after.
+    db.database()->execute("CREATE TRIGGER refuse_line BEFORE INSERT ON T_DatInventur WHEN NEW.stInvNr = 'B' "
+                           "BEGIN SELECT RAISE(ABORT, 'Datenträger voll'); END");
+    const std::string f = datFile("voll.dat", {scanLine("1", "A"), scanLine("1", "B"), scanLine("1", "C")});
+    EXPECT_FALSE(import(f));
+    const auto s = scans();
+    ASSERT_EQ(s.size(), 1u);
+    EXPECT_EQ(s[0].stInvNr, "A");
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text.rfind("frmWork.GetDataFromDat\r\nDer Datensatz konnte nicht gespeichert werden!\r\n", 0), 0u)
+        << ui.messages[0].text;
+    EXPECT_NE(ui.messages[0].text.find("Datenträger voll"), std::string::npos);
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+}
+
 TEST_F(ImportTest, MissingFileIsReportedByEveryReader)
 {
     w.f_stfilename = dir.file("fehlt.dat");
