@@ -22,4 +22,14 @@ std::string Settings::objectDatabaseFile() const
     }
 }
 
+std::string Settings::buildingDatabase() const
+{
+    return isJet() ? gstProjektPfad + "\\QGebaeude.mdb" : gstConnectionString;
+}
+
+std::string Settings::objectDatabase() const
+{
+    return isJet() ? gstProjektPfad + objectDatabaseFile() : gstConnectionString;
+}
+
 } // namespace qi

@@ -25,6 +25,12 @@ struct Settings {
     std::string tablePrefix() const;
     /// The module's object database file name with its leading backslash ("\QOvInventar.mdb" ...).
     std::string objectDatabaseFile() const;
+    /// What Quarn's building component is opened with: the project's "\QGebaeude.mdb" for
+    /// Jet projects, the connection string otherwise.
+    std::string buildingDatabase() const;
+    /// What Quarn's object and article components are opened with: the module's object
+    /// database file for Jet projects, the connection string otherwise.
+    std::string objectDatabase() const;
 };
 
 } // namespace qi

@@ -1,5 +1,7 @@
 #include "frmWork.h"
 
+#include "frmWorkSupport.h"
+
 #include "DbError.h"
 #include "FileSystem.h"
 #include "QuarnHost.h"
@@ -32,43 +34,7 @@ constexpr const char* kNichtMehrDa =
 constexpr int kInputPastEnd = 62;
 constexpr const char* kFilter = "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat";
 
-/// Raised inside a procedure when a database call answered false; carries LastError.
-struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-void check(bool ok, const CAuftragDb& db)
-{
-    if (!ok)
-        throw Failure(db.LastError());
-}
-
 } // namespace
-
-/// Progress of the reading steps; nested scopes share the outermost one.
-class ProgressScope {
-public:
-    ProgressScope(frmWork& w, const char* title) : w_(w)
-    {
-        if (w_.progressDepth_++ == 0)
-            w_.ui_.beginProgress(title);
-    }
-    ~ProgressScope() { end(); }
-    ProgressScope(const ProgressScope&) = delete;
-    ProgressScope& operator=(const ProgressScope&) = delete;
-    void end()
-    {
-        if (!open_)
-            return;
-        open_ = false;
-        if (--w_.progressDepth_ == 0)
-            w_.ui_.endProgress();
-    }
-
-private:
-    frmWork& w_;
-    bool open_ = true;
-};
 
 std::int32_t idFromItemKey(const std::string& key)
 {
@@ -203,31 +169,17 @@ bool frmWork::RaeumeVorhanden()
 
 // ---------------------------------------------------------------- import
 
-void frmWork::ensureHost()
-{
-    if (f_GebDb)
-        return;
-    auto host = std::make_unique<QObjektDb>();
-    const std::string database = settings_.isJet() ? settings_.gstProjektPfad + settings_.objectDatabaseFile()
-                                                   : settings_.gstConnectionString;
-    if (!host->Open(settings_.gstAppPfad, database))
-        throw Failure(host->LastError());
-    host->SetTablePrefix(settings_.tablePrefix());
-    f_GebDb = std::move(host);
-}
-
 bool frmWork::GetDataFromDat()
 {
-    // One transaction for the whole file; what was stored before an error is committed all the same.
-    std::optional<Database::Transaction> tx;
+    // One transaction for the whole file; what was stored before an error is kept all the same.
+    std::optional<KeptTransaction> tx;
     try {
         ensureHost();
         const QObjektDb::LookupBatch lookups(*f_GebDb);
         ScannerFile file(f_stfilename);
         ProgressScope progress(*this, kProgressTitle);
         const std::string fileName = fileNamePart(f_stfilename);
-        if (Database* db = f_DBAuftrag.database())
-            tx.emplace(*db);
+        tx.emplace(f_DBAuftrag);
 
         CDatInventurRec rec;
         ScanRecord r;
@@ -284,16 +236,11 @@ bool frmWork::GetDataFromDat()
             }
             rec.Init();
         }
-        if (tx)
-            tx->commit();
+        tx->commit();
         return true;
     } catch (const std::exception& e) {
-        try {
-            if (tx)
-                tx->commit();
-        } catch (const std::exception&) {
-            // The first error is the one the user needs to see.
-        }
+        // Keeps the lines stored before the error; the first error is the one the user needs to see.
+        tx.reset();
         ui_.showError("frmWork.GetDataFromDat", e.what());
         return false;
     }
