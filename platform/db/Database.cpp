@@ -47,12 +47,19 @@ void startEngine()
 /// What every connection gets: the Jet comparison, extended error codes, a wait for a
 /// lock held by someone else, and a page cache (16 MB) that keeps an order's tables and
 /// Quarn's object table in memory while a run works through them.
+///
+/// Changes go through a rollback journal beside the file, written through to the disk
+/// before a transaction counts as done: a process that dies leaves the journal, and the
+/// next connection puts the file back as it was before the transaction. (A write-ahead log
+/// would need memory shared between the processes of one machine, which files on a network
+/// share do not offer.)
 void configure(sqlite3* raw)
 {
     registerJetCollation(raw);
     sqlite3_busy_timeout(raw, 2000);
     sqlite3_extended_result_codes(raw, 1);
-    sqlite3_exec(raw, "PRAGMA cache_size = -16384", nullptr, nullptr, nullptr);
+    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL", nullptr,
+                 nullptr, nullptr);
 }
 
 Value parseDefault(const unsigned char* text)
