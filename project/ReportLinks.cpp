@@ -1,5 +1,6 @@
 #include "ReportLinks.h"
 
+#include "HostMirror.h"
 #include "LinkedDatabase.h"
 #include "ReportDatabase.h"
 
@@ -72,6 +73,10 @@ bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath
             relink(*db, name, connect);
 
         const bool jet = settings.gstProjekttyp == "ptJet";
+        // An ODBC project's links read the server's tables from the local mirror: made anew now.
+        if (!jet)
+            HostMirror(HostMirror::defaultCacheFolder(), settings.gstAppPfad)
+                .refresh(HostSource::odbc(settings.gstConnectionString));
         if (settings.gstProjekttyp == "ptODBC")
             connect = settings.gstConnectionString;
         if (jet)
