@@ -297,6 +297,10 @@ void frmWork::pbAdd_Click()
             return refuse(kVerschiedeneTage);
         if (RaeumeVorhanden())
             return refuse(kRaeumeVorhanden);
+
+        // The file's row, its scan lines, their numbers and the rooms' status are written as
+        // one: a process that dies on the way leaves the order as it was before the file.
+        KeptTransaction tx(f_DBAuftrag);
         if (!f_DBAuftrag.AddNewDateienRec(&datei))
             return refuse(kSchonHinzugefuegt);
 
@@ -308,6 +312,7 @@ void frmWork::pbAdd_Click()
             Init();
             InitData();
         }
+        tx.commit();
         ui_.setBusy(false);
     } catch (const std::exception& e) {
         ui_.setBusy(false);
@@ -324,6 +329,13 @@ void frmWork::pbRemove_Click(const std::string& itemKey, const std::string& item
                               "' entfernen und Inventurdaten entsprechen verbleibenden Dateien aktualisieren ?",
                           kTitle))
             return;
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.pbRemove_Click", e.what());
+        return;
+    }
+    // The file's row goes with the rebuild: a process that dies on the way leaves the order as it was.
+    KeptTransaction tx(f_DBAuftrag);
+    try {
         CDateienRec datei;
         datei.lID = idFromItemKey(itemKey);
         check(f_DBAuftrag.DelDateienRec(&datei), f_DBAuftrag);
@@ -368,6 +380,9 @@ void frmWork::clearScanData()
 
 void frmWork::pbNeu_Click()
 {
+    // All scan data are made anew as one: a process that dies on the way leaves the order as
+    // it was; the specified stops (a missing file, rooms read twice) keep what they left.
+    KeptTransaction tx(f_DBAuftrag);
     try {
         ui_.setBusy(true);
         clearScanData();
@@ -410,6 +425,7 @@ void frmWork::pbNeu_Click()
             Init();
             InitData();
         }
+        tx.commit();
         ui_.setBusy(false);
     } catch (const std::exception& e) {
         ui_.setBusy(false);

@@ -11,10 +11,12 @@ namespace qi {
 
 namespace {
 
+char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
+
 std::string lower(std::string_view s)
 {
     std::string r(s);
-    std::transform(r.begin(), r.end(), r.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    std::transform(r.begin(), r.end(), r.begin(), asciiLower);
     return r;
 }
 
@@ -22,7 +24,42 @@ bool startsWithKeyword(std::string_view sql, std::string_view keyword)
 {
     while (!sql.empty() && std::isspace(static_cast<unsigned char>(sql.front())))
         sql.remove_prefix(1);
-    return sql.size() >= keyword.size() && lower(sql.substr(0, keyword.size())) == keyword;
+    return sql.size() >= keyword.size() && sameName(sql.substr(0, keyword.size()), keyword);
+}
+
+/// Counts the ends of a connection's transactions.
+int onCommit(void* epoch)
+{
+    ++*static_cast<std::int64_t*>(epoch);
+    return 0;
+}
+
+void onRollback(void* epoch) { ++*static_cast<std::int64_t*>(epoch); }
+
+/// Settings of the engine itself, made before its first connection: without memory
+/// statistics its allocator needs no lock.
+void startEngine()
+{
+    static const int once = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    (void)once;
+}
+
+/// What every connection gets: the Jet comparison, extended error codes, a wait for a
+/// lock held by someone else, and a page cache (16 MB) that keeps an order's tables and
+/// Quarn's object table in memory while a run works through them.
+///
+/// Changes go through a rollback journal beside the file, written through to the disk
+/// before a transaction counts as done: a process that dies leaves the journal, and the
+/// next connection puts the file back as it was before the transaction. (A write-ahead log
+/// would need memory shared between the processes of one machine, which files on a network
+/// share do not offer.)
+void configure(sqlite3* raw)
+{
+    registerJetCollation(raw);
+    sqlite3_busy_timeout(raw, 2000);
+    sqlite3_extended_result_codes(raw, 1);
+    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL", nullptr,
+                 nullptr, nullptr);
 }
 
 Value parseDefault(const unsigned char* text)
@@ -157,15 +194,33 @@ const Value& Recordset::field(std::size_t column) const
     return rows_[pos_][column];
 }
 
+// ---------------------------------------------------------------- names
+
+bool NameLess::operator()(std::string_view a, std::string_view b) const
+{
+    const std::size_t n = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < n; ++i) {
+        const char x = asciiLower(a[i]), y = asciiLower(b[i]);
+        if (x != y)
+            return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+    }
+    return a.size() < b.size();
+}
+
+bool sameName(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (asciiLower(a[i]) != asciiLower(b[i]))
+            return false;
+    return true;
+}
+
 // ---------------------------------------------------------------- TableInfo
 
 int TableInfo::column(std::string_view n) const
 {
-    const auto sameName = [](std::string_view a, std::string_view b) {
-        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-                   return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-               });
-    };
     for (std::size_t i = 0; i < columns.size(); ++i)
         if (sameName(columns[i].name, n))
             return int(i);
@@ -177,6 +232,10 @@ int TableInfo::column(std::string_view n) const
 Database::Database(sqlite3* db, std::string path, bool readOnly)
     : db_(db), path_(std::move(path)), readOnly_(readOnly)
 {
+    if (db_) {
+        sqlite3_commit_hook(db_, onCommit, &epoch_);
+        sqlite3_rollback_hook(db_, onRollback, &epoch_);
+    }
 }
 
 Database::~Database()
@@ -190,15 +249,14 @@ std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
     const std::string native = nativePath(path);
     if (path.empty() || !fileExists(path))
         throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht gefunden werden.");
+    startEngine();
     sqlite3* raw = nullptr;
     const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
     const int rc = sqlite3_open_v2(native.c_str(), &raw, flags, nullptr);
     std::unique_ptr<Database> db(new Database(raw, path, readOnly));
     if (rc != SQLITE_OK)
         throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht geöffnet werden.");
-    registerJetCollation(raw);
-    sqlite3_busy_timeout(raw, 2000);
-    sqlite3_extended_result_codes(raw, 1);
+    configure(raw);
     // Reading the schema tells a database file from any other file.
     const int check = sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
     if (check != SQLITE_OK)
@@ -210,14 +268,14 @@ std::unique_ptr<Database> Database::create(const std::string& path)
 {
     const std::string native = nativePath(path);
     removeFile(path);
+    startEngine();
     sqlite3* raw = nullptr;
     const int rc = sqlite3_open_v2(native.c_str(), &raw,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     std::unique_ptr<Database> db(new Database(raw, path, false));
     if (rc != SQLITE_OK)
         throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht angelegt werden.");
-    registerJetCollation(raw);
-    sqlite3_extended_result_codes(raw, 1);
+    configure(raw);
     return db;
 }
 
@@ -272,6 +330,15 @@ Statement& Database::prepare(std::string_view sql)
     auto& slot = statements_[key];
     slot = std::make_unique<Statement>(*this, stmt);
     return *slot;
+}
+
+std::unique_ptr<Statement> Database::prepareOwn(std::string_view sql)
+{
+    sqlite3_stmt* stmt = nullptr;
+    const int rc = sqlite3_prepare_v3(db_, sql.data(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &stmt, nullptr);
+    if (rc != SQLITE_OK)
+        throw errorFor(rc, sql);
+    return std::make_unique<Statement>(*this, stmt);
 }
 
 std::int64_t Database::execute(std::string_view sql, const std::vector<Value>& params)
@@ -346,8 +413,7 @@ bool Database::tableExists(std::string_view name, std::string_view schema)
 
 const TableInfo& Database::tableInfo(std::string_view name)
 {
-    const std::string key = lower(name);
-    if (auto it = tables_.find(key); it != tables_.end())
+    if (auto it = tables_.find(name); it != tables_.end())
         return it->second;
     const Value spelled = scalar("SELECT name FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE",
                                  {std::string(name)});
@@ -383,6 +449,7 @@ const TableInfo& Database::tableInfo(std::string_view name)
     info.insertSql = "INSERT INTO " + table + " (" + names + ") VALUES (" + marks + ")";
     info.updateSql = "UPDATE " + table + " SET " + sets + " WHERE rowid = ?" + std::to_string(info.columns.size() + 1);
     info.deleteSql = "DELETE FROM " + table + " WHERE rowid = ?1";
+    const std::string key = info.name;
     return tables_.emplace(key, std::move(info)).first->second;
 }
 
@@ -394,15 +461,29 @@ std::int64_t Database::reserveAutoNumber(const TableInfo& table)
     // sequence (keys of rows since deleted or abandoned) and past the last key this
     // connection handed out (a row begun and not stored yet). Storing the row moves the
     // sequence on by itself; an abandoned row does so through consumeAutoNumber.
-    Statement& st = prepare("SELECT max(coalesce((SELECT max(rowid) FROM \"" + table.name +
-                            "\"), 0), coalesce((SELECT seq FROM sqlite_sequence WHERE name = ?1), 0))");
-    st.bindAll({table.name});
-    st.step();
-    const std::int64_t stored = st.columnInt(0);
-    st.reset();
-    std::int64_t& last = lastKey_[lower(table.name)];
-    last = std::max(stored, last) + 1;
-    return last;
+    //
+    // Inside a write transaction no other connection writes. When nothing but the row of
+    // the last key (or its abandonment) changed the connection's rows since, in the same
+    // transaction, the table holds no key past the last one and it is not read again.
+    auto it = keys_.find(table.name);
+    if (it == keys_.end())
+        it = keys_.emplace(table.name, KeyState{}).first;
+    KeyState& k = it->second;
+    const bool writing = sqlite3_get_autocommit(db_) == 0 && sqlite3_txn_state(db_, "main") == SQLITE_TXN_WRITE;
+    const std::int64_t changes = sqlite3_total_changes64(db_);
+    if (!(writing && k.epoch == epoch_ && k.changes == changes)) {
+        Statement& st = prepare("SELECT max(coalesce((SELECT max(rowid) FROM \"" + table.name +
+                                "\"), 0), coalesce((SELECT seq FROM sqlite_sequence WHERE name = ?1), 0))");
+        st.bindAll({table.name});
+        st.step();
+        const std::int64_t stored = st.columnInt(0);
+        st.reset();
+        k.last = std::max(stored, k.last);
+    }
+    ++k.last;
+    k.epoch = writing ? epoch_ : -1;
+    k.changes = changes + 1;
+    return k.last;
 }
 
 void Database::consumeAutoNumber(const TableInfo& table, std::int64_t key)

@@ -83,6 +83,16 @@ struct ColumnInfo {
     bool isInteger16 = false;
 };
 
+/// Orders names (of tables and columns) with ASCII letter case ignored; looks them up
+/// without making a string.
+struct NameLess {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const;
+};
+
+/// True when two names are equal with ASCII letter case ignored.
+bool sameName(std::string_view a, std::string_view b);
+
 struct TableInfo {
     std::string name; ///< as spelled in the schema
     std::vector<ColumnInfo> columns;
@@ -91,6 +101,9 @@ struct TableInfo {
     int column(std::string_view name) const;
     /// The statements a table recordset runs, made once per table.
     std::string selectByKeySql, insertSql, updateSql, deleteSql;
+    /// Column positions of fixed lists of column names (a record's field lists), found
+    /// once per table and kept under the list's address (lists live as long as the program).
+    mutable std::unordered_map<const void*, std::vector<int>> listPositions;
 };
 
 /// One open database file.
@@ -117,6 +130,9 @@ public:
     Value scalar(std::string_view sql, const std::vector<Value>& params = {});
     /// The cached prepared statement for this text.
     Statement& prepare(std::string_view sql);
+    /// A prepared statement of the caller's own, outside the cache: for a walk that stays
+    /// open while other statements run.
+    std::unique_ptr<Statement> prepareOwn(std::string_view sql);
 
     /// Whether a table (or view) of that name exists, letter case ignored.
     bool tableExists(std::string_view name, std::string_view schema = "main");
@@ -156,9 +172,17 @@ private:
     bool readOnly_;
     int savepointCounter_ = 0;
     std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
-    std::map<std::string, TableInfo> tables_;
-    /// Last AutoNumber handed out per table (lower-case name) on this connection.
-    std::unordered_map<std::string, std::int64_t> lastKey_;
+    std::map<std::string, TableInfo, NameLess> tables_;
+    /// Per table: the last AutoNumber handed out on this connection, and when it may be
+    /// trusted without reading the table (see reserveAutoNumber).
+    struct KeyState {
+        std::int64_t last = 0;
+        std::int64_t epoch = -1;   ///< transaction in which `changes` was noted
+        std::int64_t changes = -1; ///< the connection's change count expected after the row is stored
+    };
+    std::map<std::string, KeyState, NameLess> keys_;
+    /// Counts the ends of transactions (commit and rollback hooks).
+    std::int64_t epoch_ = 0;
 };
 
 } // namespace qi

@@ -35,8 +35,6 @@ std::string upper(std::string s)
     return s;
 }
 
-bool sameName(const std::string& a, const std::string& b) { return upper(a) == upper(b); }
-
 std::string sqlName(const std::string& name)
 {
     std::string r = "\"";

@@ -59,41 +59,40 @@ bool TableRecordset::seek(std::int64_t key)
     return hasCurrent_;
 }
 
-void TableRecordset::loadAll()
-{
-    if (loaded_)
-        return;
-    rows_ = db_.query("SELECT * FROM " + quoted(info_.name) + " ORDER BY rowid").rows();
-    loaded_ = true;
-}
-
 std::size_t TableRecordset::recordCount()
 {
-    loadAll();
-    return rows_.size();
+    return std::size_t(toLong(db_.scalar("SELECT count(*) FROM " + quoted(info_.name))));
+}
+
+void TableRecordset::takeWalkRow()
+{
+    hasCurrent_ = onRow_;
+    if (!onRow_)
+        return;
+    current_.resize(info_.columns.size());
+    for (std::size_t i = 0; i < info_.columns.size(); ++i)
+        current_[i] = walk_->column(int(i));
 }
 
 bool TableRecordset::moveFirst()
 {
-    loadAll();
-    pos_ = 0;
-    hasCurrent_ = !rows_.empty();
-    if (hasCurrent_)
-        current_ = rows_[0];
-    return hasCurrent_;
+    if (mode_ != Mode::None)
+        cancelUpdate();
+    if (!walk_)
+        walk_ = db_.prepareOwn("SELECT * FROM " + quoted(info_.name) + " ORDER BY rowid");
+    walk_->reset();
+    onRow_ = walk_->step();
+    takeWalkRow();
+    return onRow_;
 }
 
 void TableRecordset::moveNext()
 {
-    loadAll();
-    if (pos_ < rows_.size())
-        ++pos_;
-    hasCurrent_ = pos_ < rows_.size();
-    if (hasCurrent_)
-        current_ = rows_[pos_];
+    if (!onRow_)
+        return;
+    onRow_ = walk_->step();
+    takeWalkRow();
 }
-
-bool TableRecordset::eof() const { return !loaded_ || pos_ >= rows_.size(); }
 
 std::int64_t TableRecordset::addNew()
 {
@@ -131,8 +130,6 @@ void TableRecordset::update()
         st.bind(int(info_.columns.size() + 1), current_[std::size_t(info_.keyColumn)]);
         st.step();
         st.reset();
-        if (loaded_ && pos_ < rows_.size())
-            rows_[pos_] = current_;
     }
     mode_ = Mode::None;
 }
@@ -161,17 +158,19 @@ int TableRecordset::columnIndex(std::string_view column) const
     return i;
 }
 
-const Value& TableRecordset::field(std::string_view column) const
+const Value& TableRecordset::field(std::string_view column) const { return field(columnIndex(column)); }
+
+const Value& TableRecordset::field(int position) const
 {
-    const int i = columnIndex(column);
     if (!hasCurrent_)
         noCurrentRecord();
-    return current_[std::size_t(i)];
+    return current_[std::size_t(position)];
 }
 
-void TableRecordset::setField(std::string_view column, Value value)
+void TableRecordset::setField(std::string_view column, Value value) { setField(columnIndex(column), std::move(value)); }
+
+void TableRecordset::setField(int i, Value value)
 {
-    const int i = columnIndex(column);
     if (mode_ == Mode::None)
         throw DbError(dberr::UpdateWithoutEdit, "Aktualisieren ohne AddNew oder Edit.");
     if (i == info_.keyColumn)

@@ -6,6 +6,7 @@
 #include "Database.h"
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -26,11 +27,12 @@ public:
     bool seek(std::int64_t key);
     bool noMatch() const { return noMatch_; }
 
-    /// Rows of the table (read when first asked).
+    /// Rows of the table.
     std::size_t recordCount();
+    /// Walks the rows in key order, one at a time (the table is not read into memory).
     bool moveFirst(); ///< false on an empty table
     void moveNext();
-    bool eof() const;
+    bool eof() const { return !onRow_; }
 
     /// Begins a new row filled with the column defaults; returns its AutoNumber key,
     /// which is consumed even if the row is abandoned.
@@ -47,17 +49,23 @@ public:
 
     /// Field of the current (or pending) row by column name, letter case ignored.
     const Value& field(std::string_view column) const;
+    /// Field of the current (or pending) row by column position.
+    const Value& field(int position) const;
     /// Sets a field of the pending row; 16-bit columns check their range.
     void setField(std::string_view column, Value value);
+    /// Sets a field of the pending row by column position.
+    void setField(int position, Value value);
+    /// Position of a column, letter case ignored; DbError 3265 when the table has none of that name.
+    int columnIndex(std::string_view column) const;
 
     const TableInfo& info() const { return info_; }
 
 private:
     enum class Mode { None, Add, Edit };
-    int columnIndex(std::string_view column) const;
     /// Gives up a pending new row; its key stays consumed.
     void abandonNew();
-    void loadAll();
+    /// Makes the walk's row the current row.
+    void takeWalkRow();
 
     Database& db_;
     const TableInfo& info_;
@@ -65,9 +73,8 @@ private:
     bool hasCurrent_ = false;
     bool noMatch_ = false;
     Mode mode_ = Mode::None;
-    bool loaded_ = false;
-    std::vector<std::vector<Value>> rows_;
-    std::size_t pos_ = 0;
+    std::unique_ptr<Statement> walk_;
+    bool onRow_ = false;
 };
 
 } // namespace qi

@@ -155,7 +155,7 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
         Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
             return "SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " + p +
                    "Artikel a ON a.lId = o.lArtikelId "
-                   "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 ORDER BY o.stName";
+                   "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 ORDER BY o.lId";
         }));
         st.bindAll({std::int64_t{roomId}});
         while (st.step())

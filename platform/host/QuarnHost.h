@@ -82,7 +82,7 @@ public:
     bool GetAllRooms(std::vector<GebRoom>& rooms, int flags = 0);
     /// The rooms under one node (a floor), in room-number order.
     bool GetRoomsOfNode(std::int32_t nodeId, std::vector<GebRoom>& rooms, int flags = 0);
-    /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0), by inventory number.
+    /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0), in the order of their keys.
     /// Needs OpenObjects; false with LastError when the objects are not open or the query fails.
     bool GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects);
 

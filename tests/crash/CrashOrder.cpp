@@ -1,0 +1,213 @@
+#include "CrashOrder.h"
+
+#include "CAuftragDb.h"
+#include "DemoInstallation.h"
+#include "FileSystem.h"
+#include "OrderSchema.h"
+#include "ReportLinks.h"
+#include "ScriptedUserInteraction.h"
+#include "Settings.h"
+#include "frmWork.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+
+namespace qi::test {
+
+namespace {
+
+constexpr int kOrderRooms = 170;
+constexpr int kRoomsPerReadFile = 40; // three files read before: rooms 0..119
+constexpr int kNewFileFirstRoom = 120;
+
+Settings settingsOf(const CrashOrder& o)
+{
+    Settings s;
+    s.gstProjektPfad = o.project + "/";
+    s.gstProjekttyp = "ptJet";
+    s.gstAppPfad = o.program;
+    s.giModul = 0;
+    return s;
+}
+
+/// One scanner file for the rooms [first, last): most objects in place, some moved to
+/// the next room, one unknown number and one double scan per room.
+void writeScanFile(const demo::Installation& inst, int first, int last, const std::string& date,
+                   const std::string& path)
+{
+    std::ofstream out(nativePath(path), std::ios::binary | std::ios::trunc);
+    int line = 0;
+    for (int r = first; r < last; ++r) {
+        const std::string& nr = inst.rooms[std::size_t(r)].nr;
+        const std::string& next = inst.rooms[std::size_t(r + 1 < last ? r + 1 : first)].nr;
+        std::string firstObject;
+        for (const demo::Object* o : inst.objectsOfRoom(0, inst.rooms[std::size_t(r)].id)) {
+            const int pick = o->id % 20;
+            if (pick == 0)
+                continue; // missing
+            const std::string& room = pick == 1 ? next : nr;
+            out << "7,4711," << date << ",10:" << (10 + line % 50) << ":00," << room << "," << o->name << ",S,I\r\n";
+            ++line;
+            if (firstObject.empty())
+                firstObject = o->name;
+        }
+        out << "7,4711," << date << ",11:00:00," << nr << ",UNBEKANNT-" << r << ",S,I\r\n";
+        if (!firstObject.empty())
+            out << "7,4711," << date << ",11:01:00," << nr << "," << firstObject << ",S,I\r\n";
+    }
+}
+
+void hexOf(std::uint64_t h, std::string& out)
+{
+    static const char* digits = "0123456789abcdef";
+    for (int i = 60; i >= 0; i -= 4)
+        out += digits[(h >> i) & 0xF];
+}
+
+} // namespace
+
+CrashOrder::CrashOrder(std::string r)
+    : root(std::move(r)), project(root + "/Projekt"), program(root + "/Programm"),
+      order(root + "/Projekt/Inventur/A1.mdb")
+{
+}
+
+std::string CrashOrder::newFile() const { return project + "/Neu.dat"; }
+
+void prepareCrashOrder(const CrashOrder& o)
+{
+    std::filesystem::create_directories(o.project + "/Inventur");
+    std::filesystem::create_directories(o.program);
+    demo::Sizes sizes;
+    sizes.sites = 1;
+    sizes.buildingsPerSite = 2;
+    sizes.floorsPerBuilding = 3;
+    sizes.roomsPerFloor = 30;
+    sizes.inventarArticles = 40;
+    sizes.inventarObjects = 40000;
+    sizes.technikObjects = 50;
+    sizes.brandschutzObjects = 50;
+    const demo::Installation inst = demo::buildInstallation(sizes);
+    demo::writeHostDatabases(inst, o.project);
+    {
+        auto db = Database::create(o.order);
+        createOrderSchema(*db);
+    }
+    createReportDatabase(o.program + "/QInventurRpt.mdb");
+    ScriptedUserInteraction ui;
+    const Settings settings = settingsOf(o);
+    CheckReportMdbLink(settings, o.order, ui);
+
+    CAuftragDb db(ui);
+    db.setDbPath(o.order);
+    db.OpenDb();
+    {
+        Database::Transaction tx(*db.database());
+        for (int r = 0; r < kOrderRooms; ++r) {
+            CRaumRec room;
+            room.lIdRB = inst.rooms[std::size_t(r)].id;
+            room.stRaumNr = inst.rooms[std::size_t(r)].nr;
+            room.ststatus = "N";
+            room.stAuftrag = "A1";
+            db.AddNewRaumRec(&room);
+        }
+        tx.commit();
+    }
+    frmWork w(db, settings, ui);
+    for (int f = 0; f < 3; ++f) {
+        const std::string path = o.project + "/Teil" + std::to_string(f + 1) + ".dat";
+        writeScanFile(inst, f * kRoomsPerReadFile, (f + 1) * kRoomsPerReadFile, "0" + std::to_string(f + 1) + ".03.2025",
+                      path);
+        ui.fileChoices.push_back(path);
+        w.pbAdd_Click();
+    }
+    writeScanFile(inst, kNewFileFirstRoom, kOrderRooms, "09.03.2025", o.newFile());
+}
+
+bool runCrashOperation(const CrashOrder& o, const std::string& operation)
+{
+    ScriptedUserInteraction ui;
+    const Settings settings = settingsOf(o);
+    CAuftragDb db(ui);
+    db.setDbPath(o.order);
+    if (!db.OpenDb())
+        return false;
+    frmWork w(db, settings, ui);
+    const std::map<std::string, std::function<bool()>> operations = {
+        {"hinzufuegen",
+         [&] {
+             ui.fileChoices.push_back(o.newFile());
+             w.pbAdd_Click();
+             return true;
+         }},
+        {"entfernen",
+         [&] {
+             if (!w.Init() || w.lvDateien.empty())
+                 return false;
+             w.pbRemove_Click(w.lvDateien[0].key, w.lvDateien[0].text);
+             return true;
+         }},
+        {"neu",
+         [&] {
+             if (!w.Init())
+                 return false;
+             w.pbNeu_Click();
+             return true;
+         }},
+        {"auswerten", [&] { return w.ReportDifferenzListe(); }},
+        {"artikel", [&] { return w.MakeArtikelAufstellung(); }},
+        {"inventur", [&] { return w.MakeInvListe(); }},
+    };
+    const auto op = operations.find(operation);
+    if (op == operations.end() || !op->second())
+        return false;
+    for (const RecordedMessage& m : ui.messages)
+        if (m.icon == MsgIcon::Critical || m.title == "Problem")
+            return false;
+    return true;
+}
+
+std::string contentDigest(const std::string& databaseFile)
+{
+    auto db = Database::open(databaseFile, true);
+    const Recordset tables =
+        db->query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite_%' ORDER BY name");
+    // FNV-1a over the tables' names and every value of every row in key order.
+    std::uint64_t h = 1469598103934665603ull;
+    const auto add = [&h](const std::string& bytes) {
+        for (unsigned char c : bytes) {
+            h ^= c;
+            h *= 1099511628211ull;
+        }
+        h ^= 0xFF;
+        h *= 1099511628211ull;
+    };
+    std::size_t rows = 0;
+    for (const auto& t : tables.rows()) {
+        const std::string name = toText(t[0]);
+        add(name);
+        Statement& st = db->prepare("SELECT * FROM \"" + name + "\" ORDER BY rowid");
+        st.bindAll({});
+        while (st.step()) {
+            ++rows;
+            for (int c = 0; c < st.columnCount(); ++c) {
+                const Value v = st.column(c);
+                add(isNull(v) ? std::string("\x01") : toText(v));
+            }
+        }
+        st.reset();
+    }
+    std::string out = std::to_string(rows) + ":";
+    hexOf(h, out);
+    return out;
+}
+
+bool integrityOk(const std::string& databaseFile)
+{
+    auto db = Database::open(databaseFile);
+    return toText(db->scalar("PRAGMA integrity_check")) == "ok";
+}
+
+} // namespace qi::test
