@@ -49,10 +49,19 @@ QStringList qtNameFilters(const std::string& filter)
     return out;
 }
 
+QWidget* QtUserInteraction::dialogParent() const
+{
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return parent_;
+}
+
 MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                                         const std::string& title)
 {
-    QMessageBox box(parent_);
+    QMessageBox box(dialogParent());
     box.setWindowTitle(QString::fromStdString(title));
     box.setText(displayText(text));
     switch (icon) {
@@ -83,7 +92,7 @@ MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons butt
 
 std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& request)
 {
-    QFileDialog dialog(parent_, QString::fromStdString(request.title),
+    QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
     const QStringList filters = qtNameFilters(request.filter);
@@ -138,7 +147,7 @@ bool QtUserInteraction::resolveConflict(const ConflictInfo& info)
     const bool wasBusy = busyDepth_ > 0;
     if (wasBusy)
         QApplication::setOverrideCursor(Qt::ArrowCursor);
-    const bool verwerfen = conflictDialog_(parent_, info);
+    const bool verwerfen = conflictDialog_(dialogParent(), info);
     if (wasBusy)
         QApplication::restoreOverrideCursor();
     return verwerfen;
@@ -160,7 +169,7 @@ void QtUserInteraction::beginProgress(const std::string& title)
 {
     if (progressDepth_++ > 0)
         return;
-    progress_ = new QProgressDialog(parent_);
+    progress_ = new QProgressDialog(dialogParent());
     progress_->setWindowTitle(QString::fromStdString(title));
     progress_->setCancelButton(nullptr);
     progress_->setRange(0, 0);
@@ -202,7 +211,7 @@ void QtUserInteraction::showReport(const std::string& reportFile, const std::str
                                    const std::string& title)
 {
     if (reportViewer_)
-        reportViewer_(parent_, reportFile, dataFile, title);
+        reportViewer_(dialogParent(), reportFile, dataFile, title);
 }
 
 void QtUserInteraction::endProgress()
