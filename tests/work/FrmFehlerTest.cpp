@@ -126,6 +126,38 @@ TEST_F(FrmFehlerTest, TimerStopsOnceAChoiceIsMade)
     EXPECT_FALSE(f.Timer1->isActive());
 }
 
+TEST_F(FrmFehlerTest, OptionButtonsSitBesideTheirRowsAndSayWhatTheyDo)
+{
+    frmFehler f;
+    f.setInfo(sample());
+    f.show();
+    QApplication::processEvents();
+    const auto band = [&](QWidget* w) {
+        const QPoint top = w->mapTo(&f, QPoint(0, 0));
+        return std::pair{top.y(), top.y() + w->height()};
+    };
+    const auto centre = [&](QWidget* w) { return w->mapTo(&f, QPoint(0, w->height() / 2)).y(); };
+    const auto [altTop, altBottom] = band(f.lbRNrAlt);
+    const auto [neuTop, neuBottom] = band(f.lbRNrNeu);
+    // Each option on the height of its row, to the right of the row's values.
+    EXPECT_GE(centre(f.opBehalten), altTop);
+    EXPECT_LE(centre(f.opBehalten), altBottom);
+    EXPECT_GE(centre(f.opVerwerfen), neuTop);
+    EXPECT_LE(centre(f.opVerwerfen), neuBottom);
+    EXPECT_GT(f.opBehalten->mapTo(&f, QPoint(0, 0)).x(), f.lbDatumAlt->mapTo(&f, QPoint(0, 0)).x());
+    EXPECT_GT(f.opVerwerfen->mapTo(&f, QPoint(0, 0)).x(), f.lbDatumNeu->mapTo(&f, QPoint(0, 0)).x());
+    // They say what they do.
+    EXPECT_EQ(f.opBehalten->accessibleName(), QStringLiteral("Erstes Auftreten behalten"));
+    EXPECT_EQ(f.opVerwerfen->accessibleName(), QStringLiteral("Zweites Auftreten übernehmen"));
+    EXPECT_TRUE(f.opBehalten->toolTip().contains(QStringLiteral("erste Auftreten behalten")));
+    EXPECT_TRUE(f.opVerwerfen->toolTip().contains(QStringLiteral("zweite Auftreten übernehmen")));
+    EXPECT_EQ(f.opBehalten->text(), QStringLiteral("&behalten"));
+    EXPECT_EQ(f.opVerwerfen->text(), QStringLiteral("&übernehmen"));
+    // The frame holds the two occurrences.
+    EXPECT_EQ(f.lbRNrAlt->parentWidget(), f.Frame2);
+    EXPECT_EQ(f.Label10->parentWidget(), f.Frame2);
+}
+
 TEST_F(FrmFehlerTest, QtUserInteractionShowsThePluggedDialog)
 {
     QtUserInteraction ui;
