@@ -1,6 +1,7 @@
 // QInventur: stocktaking orders beside Quarn.
 
 #include "FileSystem.h"
+#include "ProgramWindows.h"
 #include "QtUserInteraction.h"
 #include "frmFehler.h"
 #include "frmMain.h"
@@ -11,11 +12,14 @@ int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("QInventur"));
+    // Where the windows' sizes and places are kept between runs.
+    QApplication::setOrganizationName(QStringLiteral("QInventur"));
     QApplication::setApplicationVersion(QStringLiteral(QINVENTUR_VERSION));
 
     qi::QtUserInteraction ui;
     qi::installFrmFehler(ui);
     qi::frmMain window(ui, qi::programFolder());
+    qi::connectWindows(window);
     ui.setParent(&window);
     window.Form_Load();
     window.show();

@@ -3,6 +3,9 @@
 
 #include "ProjectFixture.h"
 
+#include "ProgramWindows.h"
+#include "Screenshots.h"
+
 #include "CInventurDb.h"
 #include "FileSystem.h"
 #include "HelpTools.h"
@@ -16,6 +19,8 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QPointer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -84,6 +89,7 @@ protected:
         app();
         ProjectFixture::SetUp();
         window = std::make_unique<ScriptedMain>(ui, programDir);
+        connectWindows(*window);
     }
     void TearDown() override { window.reset(); }
 
@@ -413,7 +419,7 @@ TEST_F(MainWindowTest, OpeningAnOrderOpensItsDatabaseRelinksAndShowsTheWorkWindo
 
     // Closing the work window closes the order database; the next paint releases it.
     work->close();
-    EXPECT_TRUE(work->bFinished);
+    EXPECT_TRUE(work->f_bReload);
     EXPECT_TRUE(window->isActiveState());
     ASSERT_NE(window->orderDb(), nullptr);
     EXPECT_FALSE(window->orderDb()->isOpen());
@@ -595,11 +601,48 @@ TEST_F(MainWindowTest, UnloadWritesTheCurrentOrderBackAndReportsFailure)
     select("Alpha");
     window->lvAuftraege_DblClick();
     ASSERT_TRUE(ui.messages.empty());
+    QPointer<OrderWindow> work = window->workWindow();
+    ASSERT_NE(work, nullptr);
+    const JetDate opened = window->currentOrder()->letzte_Aenderung;
+
+    // Someone changed the row behind the window's back: the unload writes the record back over it.
+    {
+        CInventurDb reg;
+        reg.setDbPath(projectDir + "QInventur.mdb");
+        ASSERT_TRUE(reg.OpenDb());
+        CAuftragRec rec = registerRows().at(0);
+        rec.letzte_Aenderung = JetDate::fromParts(2001, 2, 3, 4, 5, 6);
+        rec.stErsteller = "Fremd";
+        ASSERT_TRUE(reg.EditAuftragRec(&rec));
+    }
+    window->currentOrder()->stErsteller = "Meier-Schulz";
     window->close();
     EXPECT_TRUE(ui.messages.empty());
+    const auto rows = registerRows();
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].stErsteller, "Meier-Schulz");
+    EXPECT_EQ(rows[0].letzte_Aenderung, opened);
+    // Everything was released, the work window closed its order first.
     EXPECT_EQ(window->orderDb(), nullptr);
     EXPECT_EQ(window->inventurDb(), nullptr);
+    EXPECT_EQ(window->gebDb(), nullptr);
     EXPECT_EQ(window->workWindow(), nullptr);
+    ASSERT_NE(work, nullptr); // goes with the next turn of the event loop
+    EXPECT_TRUE(work->f_bReload);
+    EXPECT_FALSE(work->isVisible());
+
+    // A write-back that fails is reported, and the unload stops there.
+    auto second = std::make_unique<ScriptedMain>(ui, programDir);
+    connectWindows(*second);
+    second->Form_Load();
+    ASSERT_TRUE(ui.messages.empty());
+    second->inventurDb()->CloseDb();
+    second->close();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    expectMessage(0, "frmMain.Form_Unload\r\nDer Datensatz konnte nicht aktualisiert werden!", MsgButtons::Ok,
+                  MsgIcon::Critical, "QInventur");
+    EXPECT_NE(second->inventurDb(), nullptr);
+    EXPECT_NE(second->gebDb(), nullptr);
 }
 
 TEST_F(MainWindowTest, UnloadWithAClosedRegisterReportsTheFailure)
@@ -666,13 +709,16 @@ TEST_F(MainWindowTest, ScreenshotRendersOffscreen)
     newOrder("Erdgeschoss Nord", "Meier");
     newOrder("Lager Süd", "Schulz");
     window->show();
-    QApplication::processEvents();
-    const QPixmap shot = window->grab();
+    const QImage shot = screenshot(*window, QStringLiteral("frmMain"));
     ASSERT_FALSE(shot.isNull());
-    // Kept beside the test program, so that a person can look at it after the run.
-    const QString file = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("frmMain.png"));
-    ASSERT_TRUE(shot.save(file, "PNG"));
-    EXPECT_GT(fs::file_size(file.toStdString()), 1000u);
+    EXPECT_EQ(shot.size(), window->size() * window->devicePixelRatio());
+    // Drawn: more than a background and a frame.
+    EXPECT_GT(colourCount(shot), 20);
+    const QStringList texts = visibleTexts(*window);
+    for (const char* t : {"&Datei", "&?", "Name", "erstellt", "geändert", "Ersteller", "Erdgeschoss Nord", "Lager Süd",
+                          "Meier", "Schulz", "Öffnen mit Doppelklick"})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(t))) << t;
+    EXPECT_TRUE(QFileInfo::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/screenshots/frmMain.png")));
 }
 
 } // namespace
