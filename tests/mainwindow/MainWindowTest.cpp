@@ -2,6 +2,7 @@
 // new and deleted orders, opening an order, help and the About box.
 
 #include "ProjectFixture.h"
+#include "ScriptedMain.h"
 
 #include "ProgramWindows.h"
 #include "Screenshots.h"
@@ -37,50 +38,6 @@ namespace {
 namespace fs = std::filesystem;
 
 QApplication& app() { return test::qtApplication(); }
-
-/// The main window with the user's part in its modal dialogs played from a script.
-class ScriptedMain : public frmMain {
-public:
-    using frmMain::frmMain;
-    std::deque<std::function<void(QDialog&)>> script;
-    std::vector<std::string> dialogs;
-    std::string aboutVersion, aboutButton, aboutLine;
-
-protected:
-    void runModal(QDialog& dialog) override
-    {
-        dialogs.push_back(dialog.windowTitle().toStdString());
-        if (auto* about = dynamic_cast<frmAbout*>(&dialog)) {
-            aboutVersion = about->txVersion->text().toStdString();
-            aboutButton = about->pbOk->text().toStdString();
-            aboutLine = about->lbTitel->text().toStdString();
-            about->pbOk->click();
-            return;
-        }
-        if (script.empty()) {
-            dialog.reject();
-            return;
-        }
-        auto step = script.front();
-        script.pop_front();
-        step(dialog);
-    }
-};
-
-std::function<void(QDialog&)> enter(const std::string& name, const std::string& person = "Meier")
-{
-    return [=](QDialog& d) {
-        auto& f = dynamic_cast<frmAufNeu&>(d);
-        f.txName->setText(QString::fromStdString(name));
-        f.edPerson->setText(QString::fromStdString(person));
-        f.pbOk->click();
-    };
-}
-
-std::function<void(QDialog&)> cancel()
-{
-    return [](QDialog& d) { dynamic_cast<frmAufNeu&>(d).pbCancel->click(); };
-}
 
 class MainWindowTest : public ProjectFixture {
 protected:
