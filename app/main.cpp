@@ -7,6 +7,9 @@
 #include "frmMain.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 
 int main(int argc, char** argv)
 {
@@ -15,6 +18,13 @@ int main(int argc, char** argv)
     // Where the windows' sizes and places are kept between runs.
     QApplication::setOrganizationName(QStringLiteral("QInventur"));
     QApplication::setApplicationVersion(QStringLiteral(QINVENTUR_VERSION));
+
+    // The program speaks German, and so do Qt's own dialogs (the file dialog) where their translation is installed.
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    QTranslator qtTexts;
+    if (qtTexts.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                     QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qtTexts);
 
     qi::QtUserInteraction ui;
     qi::installFrmFehler(ui);

@@ -7,6 +7,7 @@ packages=(
   libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
+  qt6-translations-l10n xdotool x11-apps
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -3,6 +3,7 @@
 #include "FileSystem.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -27,6 +28,27 @@ QString displayText(const std::string& text)
     s.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     return s;
 }
+
+/// Puts a shown progress dialog aside while a dialog of its own waits for the user: the
+/// progress dialog is modal too and would otherwise block the question behind it.
+class ProgressAside {
+public:
+    explicit ProgressAside(QProgressDialog* progress) : progress_(progress && progress->isVisible() ? progress : nullptr)
+    {
+        if (progress_)
+            progress_->hide();
+    }
+    ~ProgressAside()
+    {
+        if (progress_)
+            progress_->show();
+    }
+    ProgressAside(const ProgressAside&) = delete;
+    ProgressAside& operator=(const ProgressAside&) = delete;
+
+private:
+    QPointer<QProgressDialog> progress_;
+};
 
 } // namespace
 
@@ -61,6 +83,7 @@ QWidget* QtUserInteraction::dialogParent() const
 MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                                         const std::string& title)
 {
+    const ProgressAside aside(progress_);
     QMessageBox box(dialogParent());
     box.setWindowTitle(QString::fromStdString(title));
     box.setText(displayText(text));
@@ -92,6 +115,7 @@ MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons butt
 
 std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& request)
 {
+    const ProgressAside aside(progress_);
     QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
@@ -143,6 +167,7 @@ bool QtUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     if (!conflictDialog_)
         return false;
+    const ProgressAside aside(progress_);
     // The busy pointer would hide that the dialog waits for a choice.
     const bool wasBusy = busyDepth_ > 0;
     if (wasBusy)
@@ -176,6 +201,8 @@ void QtUserInteraction::beginProgress(const std::string& title)
     progress_->setWindowModality(Qt::WindowModal);
     progress_->setAutoClose(false);
     progress_->setAutoReset(false);
+    // Shown by the first report only, never on its own while a question waits in front.
+    progress_->setMinimumDuration(std::numeric_limits<int>::max());
 }
 
 void QtUserInteraction::reportProgress(const std::string& fileName, std::int64_t linesRead)
@@ -210,8 +237,10 @@ void QtUserInteraction::reportStep(const std::string& step, std::int64_t done, s
 void QtUserInteraction::showReport(const std::string& reportFile, const std::string& dataFile,
                                    const std::string& title)
 {
-    if (reportViewer_)
-        reportViewer_(dialogParent(), reportFile, dataFile, title);
+    if (!reportViewer_)
+        return;
+    const ProgressAside aside(progress_);
+    reportViewer_(dialogParent(), reportFile, dataFile, title);
 }
 
 void QtUserInteraction::endProgress()

@@ -12,6 +12,7 @@
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
@@ -195,6 +196,36 @@ TEST_F(FrmFehlerTest, QtProgressShowsTheFileAndGoesAwayAtTheEnd)
     ui.endProgress(); // one end too many does no harm
     for (QWidget* w : QApplication::topLevelWidgets())
         EXPECT_EQ(qobject_cast<QProgressDialog*>(w), nullptr);
+}
+
+TEST_F(FrmFehlerTest, QtProgressNeverShowsItselfAndStepsAsideForAQuestion)
+{
+    QtUserInteraction ui;
+    ui.beginProgress("Auswertung");
+    QProgressDialog* progress = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* p = qobject_cast<QProgressDialog*>(w))
+            progress = p;
+    ASSERT_NE(progress, nullptr);
+    EXPECT_FALSE(progress->isVisible());
+    EXPECT_GE(progress->minimumDuration(), 24 * 3600 * 1000); // no showing by itself after a while
+    ui.reportStep("Sollbestand der Räume", 1, 3);
+    ASSERT_TRUE(progress->isVisible());
+
+    bool asideDuringQuestion = false;
+    bool questionInFront = false;
+    QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        questionInFront = box != nullptr;
+        asideDuringQuestion = !progress->isVisible();
+        if (box)
+            box->buttons().first()->click();
+    });
+    ui.messageBox("Warnung", MsgButtons::Ok, MsgIcon::Exclamation, "Quarn-Inventur");
+    EXPECT_TRUE(questionInFront);
+    EXPECT_TRUE(asideDuringQuestion);
+    EXPECT_TRUE(progress->isVisible()); // back after the answer
+    ui.endProgress();
 }
 
 } // namespace
