@@ -3,7 +3,6 @@
 #include "FileSystem.h"
 
 #include <algorithm>
-#include <limits>
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -119,6 +118,8 @@ std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& 
     QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
+    // Wide enough for the columns of the file list.
+    dialog.resize(820, 520);
     const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
@@ -201,8 +202,10 @@ void QtUserInteraction::beginProgress(const std::string& title)
     progress_->setWindowModality(Qt::WindowModal);
     progress_->setAutoClose(false);
     progress_->setAutoReset(false);
-    // Shown by the first report only, never on its own while a question waits in front.
-    progress_->setMinimumDuration(std::numeric_limits<int>::max());
+    progress_->setMinimumWidth(420);
+    // Shown by the first report only: the dialog's own timer would show it after a few seconds
+    // also while a question waits in front of it, and block that question.
+    progress_->reset();
 }
 
 void QtUserInteraction::reportProgress(const std::string& fileName, std::int64_t linesRead)
