@@ -256,7 +256,12 @@ void frmWorkWindow::showRooms()
 
 void frmWorkWindow::showCounts()
 {
-    lbCounts->setText(QStringLiteral("%1 Räume, %2 Dateien").arg(form_.lvRooms.size()).arg(form_.lvDateien.size()));
+    const auto rooms = form_.lvRooms.size(), files = form_.lvDateien.size();
+    lbCounts->setText(QStringLiteral("%1 %2, %3 %4")
+                          .arg(rooms)
+                          .arg(rooms == 1 ? QStringLiteral("Raum") : QStringLiteral("Räume"))
+                          .arg(files)
+                          .arg(files == 1 ? QStringLiteral("Datei") : QStringLiteral("Dateien")));
 }
 
 std::pair<std::string, std::string> frmWorkWindow::selectedDatei() const
@@ -284,6 +289,9 @@ void frmWorkWindow::run(Command&& command)
 {
     if (unloaded_)
         return;
+    // What the status bar said belongs to the command before.
+    if (running_ == 0)
+        statusBar()->clearMessage();
     ++running_;
     command();
     --running_;

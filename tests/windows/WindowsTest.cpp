@@ -133,6 +133,16 @@ TEST_F(WindowsTest, WorkWindowShowsItsCaptionsHeadingsAndMenus)
     EXPECT_EQ(w.mnuFehlerFkt.at(300)->text(), QStringLiteral("&Fehlendes Inventar"));
 }
 
+TEST_F(WindowsTest, WorkWindowCountsItsRoomsAndFiles)
+{
+    openDemoOrder();
+    EXPECT_EQ(work()->lbCounts->text(), QStringLiteral("0 Räume, 0 Dateien"));
+    chooseFirstFloor();
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    work()->pbAdd->click();
+    EXPECT_EQ(work()->lbCounts->text(), QStringLiteral("6 Räume, 1 Datei"));
+}
+
 TEST_F(WindowsTest, WorkWindowListsFillTheWindowAndFollowItsSize)
 {
     openDemoOrder();
