@@ -453,6 +453,9 @@ TEST_F(MainWindowTest, OrderWithoutItsDatabaseFileReportsTheOpenError)
     window->lvAuftraege_DblClick();
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text.rfind("frmMain.lvAuftraege_DblClick\r\nDie Datenbank ", 0), 0u) << ui.messages[0].text;
+    // The path the person reads has one kind of separator.
+    EXPECT_NE(ui.messages[0].text.find(displayPath(orderFile("Alpha"))), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].text.find('\\'), std::string::npos) << ui.messages[0].text;
     EXPECT_EQ(window->workWindow(), nullptr);
     EXPECT_TRUE(window->isActiveState());
 }
