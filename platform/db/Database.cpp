@@ -320,14 +320,13 @@ DbError Database::errorFor(int rc, std::string_view sql) const
 
 Statement& Database::prepare(std::string_view sql)
 {
-    const std::string key(sql);
-    if (auto it = statements_.find(key); it != statements_.end())
+    if (auto it = statements_.find(sql); it != statements_.end())
         return *it->second;
     sqlite3_stmt* stmt = nullptr;
-    const int rc = sqlite3_prepare_v3(db_, key.data(), int(key.size()), SQLITE_PREPARE_PERSISTENT, &stmt, nullptr);
+    const int rc = sqlite3_prepare_v3(db_, sql.data(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &stmt, nullptr);
     if (rc != SQLITE_OK)
         throw errorFor(rc, sql);
-    auto& slot = statements_[key];
+    auto& slot = statements_[std::string(sql)];
     slot = std::make_unique<Statement>(*this, stmt);
     return *slot;
 }

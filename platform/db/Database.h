@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <functional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -171,7 +172,12 @@ private:
     std::string path_;
     bool readOnly_;
     int savepointCounter_ = 0;
-    std::unordered_map<std::string, std::unique_ptr<Statement>> statements_;
+    /// Hashes a statement's text without copying it.
+    struct TextHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+    };
+    std::unordered_map<std::string, std::unique_ptr<Statement>, TextHash, std::equal_to<>> statements_;
     std::map<std::string, TableInfo, NameLess> tables_;
     /// Per table: the last AutoNumber handed out on this connection, and when it may be
     /// trusted without reading the table (see reserveAutoNumber).
