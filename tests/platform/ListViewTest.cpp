@@ -68,6 +68,7 @@ protected:
         item->setText(2, QString::fromUtf8(c));
     }
     void click(int c) { emit view.header()->sectionClicked(c); }
+    QApplication& application = app(); // before the first widget
     QTreeWidget view;
 };
 
