@@ -86,6 +86,8 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
 
     // 3. The project folder: kept only when it exists and holds at least one file.
     if (!projekt.empty()) {
+        // A folder named relative to nothing lies below the program folder, wherever that was copied.
+        projekt = resolvePath(programFolder, projekt);
         if (projekt.back() != '\\')
             projekt += '\\';
         step.ignoreErrors();

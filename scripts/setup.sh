@@ -8,6 +8,7 @@ packages=(
   mdbtools mdbtools-dev unixodbc unixodbc-dev odbc-postgresql postgresql postgresql-client
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
+  qt6-translations-l10n xdotool x11-apps
 )
 missing=()
 for p in "${packages[@]}"; do

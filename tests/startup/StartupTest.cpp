@@ -401,7 +401,43 @@ TEST_F(StartupTest, WithAnEmptyProjectValueLaterErrorsEndStartup)
     EXPECT_EQ(r.caption, "Aufträge im Projekt: ''");
 }
 
+TEST_F(StartupTest, RelativeProjectValueLiesBelowTheProgramFolderNotTheWorkingFolder)
+{
+    quarnIni("..\\Projekt");
+    projektIni("[ODBC]\r\nProjekttyp=ptJet\r\n");
+    const auto r = run();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_TRUE(r.completed);
+    // The caption shows the value as it stands.
+    EXPECT_EQ(r.caption, "Aufträge im Projekt: '..\\Projekt'");
+    EXPECT_EQ(settings.gstProjektPfad, program + "\\..\\Projekt\\");
+    EXPECT_TRUE(fileExists(project + "/QInventur.mdb")); // seeded there
+    EXPECT_FALSE(fs::exists(dir.file("Arbeitsordner") + "/QInventur.mdb"));
+}
+
+TEST_F(StartupTest, RelativeProjectValueThatIsNoFolderIsNotFound)
+{
+    quarnIni("Projekt");
+    run();
+    expectProblem(0, "Projekt nicht gefunden!");
+}
+
 // ------------------------------------------------------------------ the demo project
+
+TEST_F(StartupTest, CopiedProgramFolderFindsTheDemoBesideItself)
+{
+    demo::writeDemoProject(demo::smallSizes(), program + "/Demo", std::string(QI_SOURCE_DIR) + "/resources/reports");
+    demo::writeQuarnIni(program + "/Quarn.ini", demo::projectValueFor(program + "/Quarn.ini", program + "/Demo"));
+    const std::string copy = dir.file("Kopie");
+    fs::copy(program, copy, fs::copy_options::recursive);
+    fs::remove_all(program);
+    const auto r = RunStartup(copy, settings, ui);
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    ASSERT_TRUE(r.completed);
+    EXPECT_EQ(settings.gstProjektPfad, copy + "\\Demo\\");
+    EXPECT_TRUE(fileExists(copy + "/Demo/QInventur.mdb"));
+    EXPECT_TRUE(r.gebDb->GetGebStruktur(1).has_value());
+}
 
 TEST_F(StartupTest, DemoProjectStartsWithAnEmptyOrderListAndNoMessage)
 {
