@@ -7,6 +7,8 @@ packages=(
   libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
+  # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)
+  clang libclang-rt-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do
