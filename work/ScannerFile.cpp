@@ -1,12 +1,8 @@
 #include "ScannerFile.h"
 
-#include "bGeneral.h"
+#include "Value.h"
 
 namespace qi {
-
-namespace {
-const std::string kSeparator = ",";
-} // namespace
 
 std::string trimBlanks(const std::string& text)
 {
@@ -27,29 +23,44 @@ std::string normaliseRoom(const std::string& field)
 
 bool ScannerFile::nextRecord()
 {
-    while (reader_.readLine(line_))
-        if (FieldCount(line_, kSeparator) >= kScanFieldCount)
+    // The fields that FieldCount and GetField give for the separator ",", found in one
+    // pass over the line: a field runs from one past a comma to the next comma.
+    while (reader_.readLine(line_)) {
+        commas_.clear();
+        for (std::size_t p = line_.find(','); p != std::string::npos; p = line_.find(',', p + 1))
+            commas_.push_back(p);
+        const std::int16_t count = line_.empty() ? 0 : checkedInt16(std::int64_t(commas_.size()) + 1);
+        if (count >= kScanFieldCount)
             return true;
+    }
     line_.clear();
+    commas_.clear();
     return false;
 }
 
-std::string ScannerFile::field(std::int16_t n) const { return GetField(line_, kSeparator, n); }
+std::string ScannerFile::field(std::int16_t n) const
+{
+    const std::size_t count = commas_.size() + 1;
+    if (line_.empty() || n < 1 || std::size_t(n) > count)
+        return {};
+    const std::size_t start = n == 1 ? 0 : commas_[std::size_t(n - 2)] + 1;
+    const std::size_t end = std::size_t(n) == count ? line_.size() : commas_[std::size_t(n - 1)];
+    return start < end ? line_.substr(start, end - start) : std::string();
+}
 
 bool ScannerFile::next(ScanRecord& r)
 {
-    if (nextRecord()) {
-        r.stMitarbNr = GetField(line_, kSeparator, 1);
-        r.stAuftragsNr = GetField(line_, kSeparator, 2);
-        r.Datum = GetField(line_, kSeparator, 3);
-        r.Uhrzeit = GetField(line_, kSeparator, 4);
-        r.stRaum = GetField(line_, kSeparator, 5);
-        r.stInvNr = GetField(line_, kSeparator, 6);
-        r.stArtNr = GetField(line_, kSeparator, 7);
-        r.stTaet = GetField(line_, kSeparator, 8);
-        return true;
-    }
-    return false;
+    if (!nextRecord())
+        return false;
+    r.stMitarbNr = field(1);
+    r.stAuftragsNr = field(2);
+    r.Datum = field(3);
+    r.Uhrzeit = field(4);
+    r.stRaum = field(5);
+    r.stInvNr = field(6);
+    r.stArtNr = field(7);
+    r.stTaet = field(8);
+    return true;
 }
 
 } // namespace qi

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace qi {
 
@@ -52,6 +53,8 @@ public:
 private:
     TextFileReader reader_;
     std::string line_;
+    /// Positions of the commas of line_.
+    std::vector<std::size_t> commas_;
 };
 
 } // namespace qi
