@@ -1,9 +1,10 @@
 #include "FuzzSupport.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace qi::fuzz {
@@ -37,12 +38,34 @@ std::string scratchFile(const std::string& name)
     return folder.path + "/" + name;
 }
 
+// libFuzzer's timer signal for hanging inputs interrupts system calls now and then;
+// the scratch files are written again then instead of failing the input.
+
 void writeBytes(const std::string& path, std::string_view bytes)
 {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), std::streamsize(bytes.size()));
-    out.close();
-    require(bool(out), "the input could not be written to the scratch folder");
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    require(fd >= 0, "the input could not be written to the scratch folder");
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        require(n > 0, "the input could not be written to the scratch folder");
+        done += std::size_t(n);
+    }
+    ::close(fd);
+}
+
+void copyFileOver(const std::string& from, const std::string& to)
+{
+    std::error_code ec;
+    do
+        fs::copy_file(from, to, fs::copy_options::overwrite_existing, ec);
+    while (ec == std::errc::interrupted);
+    if (ec) {
+        std::fprintf(stderr, "copying %s to %s: %s\n", from.c_str(), to.c_str(), ec.message().c_str());
+        std::abort();
+    }
 }
 
 void require(bool ok, const char* what)

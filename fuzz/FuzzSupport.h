@@ -21,6 +21,9 @@ std::string scratchFile(const std::string& name);
 /// Writes the bytes to `path`, replacing the file; aborts when that fails.
 void writeBytes(const std::string& path, std::string_view bytes);
 
+/// Copies a file over another; aborts with the system's reason when that fails.
+void copyFileOver(const std::string& from, const std::string& to);
+
 /// Ends the process with the text when `ok` is false, so that libFuzzer records the input.
 void require(bool ok, const char* what);
 
