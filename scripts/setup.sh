@@ -5,6 +5,7 @@ packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libsqlite3-dev sqlite3
+  mdbtools mdbtools-dev unixodbc unixodbc-dev odbc-postgresql postgresql postgresql-client
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
   # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)

@@ -184,14 +184,20 @@ TEST_F(ReportLinksTest, MissingReportDatabaseIsAnError)
     EXPECT_FALSE(fileExists(reportDb));
 }
 
-TEST_F(ReportLinksTest, OdbcProjectPointsTheHostLinksAtTheConnectionString)
+TEST_F(ReportLinksTest, OdbcProjectWhoseServerIsOutOfReachKeepsItsHostLinks)
 {
     settings.gstProjekttyp = "ptODBC";
-    settings.gstConnectionString = "ODBC;DSN=QuarnSql";
+    settings.gstConnectionString = "ODBC;DSN=QuarnSql;PWD=geheim";
     EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
     ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0].text, "COVRpt.CheckReportMdbLink\r\nODBC-Verbindung zu 'QuarnSql' fehlgeschlagen.");
+    EXPECT_EQ(ui.messages[0].text.rfind("COVRpt.CheckReportMdbLink\r\nDie Quarn-Datenbank auf dem Server ist nicht "
+                                        "erreichbar (ODBC;DSN=QuarnSql;PWD=***).\r\n",
+                                        0),
+              0u)
+        << ui.messages[0].text;
     EXPECT_EQ(link("T_Auftrag"), ";DATABASE=" + orderA);
+    EXPECT_EQ(link("T_IObjekt"), ";DATABASE=QOvInventar.mdb");
+    EXPECT_EQ(link("T_Raumkern"), ";DATABASE=QGebaeude.mdb");
 }
 
 TEST_F(ReportLinksTest, MissingBuildingLinkFailsBeforeAnyHostLinkOfAnOdbcProject)

@@ -212,22 +212,25 @@ TEST_F(StartupTest, LowerCasePtjetCountsAsOdbcAndNeedsAConnectionString)
     EXPECT_FALSE(fs::exists(project + "/QInventur.mdb"));
 }
 
-TEST_F(StartupTest, OdbcProjectOpensTheRegisterButNotQuarnsData)
+TEST_F(StartupTest, OdbcProjectWhoseServerIsOutOfReachShowsTheMessageAndOpensTheRegister)
 {
     quarnIni(project);
     projektIni("[ODBC]\r\nProjekttyp=ptODBC\r\nConnectionString=DSN=Quarn;UID=inventur\r\n");
     const auto r = run();
-    EXPECT_TRUE(ui.messages.empty());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    const std::string unreachable = "Die Quarn-Datenbank auf dem Server ist nicht erreichbar (DSN=Quarn;UID=inventur).";
+    EXPECT_EQ(ui.messages[0].text.rfind(unreachable + "\r\n", 0), 0u) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
     EXPECT_TRUE(r.completed);
     EXPECT_EQ(settings.gstConnectionString, "DSN=Quarn;UID=inventur");
     ASSERT_TRUE(r.inventurDb);
     EXPECT_TRUE(r.inventurDb->isOpen());
     ASSERT_TRUE(r.gebDb);
     EXPECT_FALSE(r.gebDb->IsOpen());
-    EXPECT_EQ(r.gebDb->LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
+    EXPECT_EQ(r.gebDb->LastError().rfind("Die Quarn-Datenbank konnte nicht geöffnet werden!\r\n" + unreachable, 0), 0u);
     ASSERT_TRUE(r.objektDb);
     EXPECT_FALSE(r.objektDb->IsOpen());
-    EXPECT_EQ(r.objektDb->LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
     EXPECT_THROW(r.objektDb->FindByInvNr("100001"), DbError);
 }
 

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -13,6 +14,11 @@
 namespace qi::test {
 
 namespace fs = std::filesystem;
+
+namespace {
+/// The mirrors of Quarn's data that tests make go to a cache folder of the build, not the user's.
+const bool kTestCache = ::setenv("XDG_CACHE_HOME", QI_PROGRAM_DIR "/../tests/cache", 1) == 0;
+} // namespace
 
 TempDir::TempDir()
 {
