@@ -29,3 +29,19 @@ if(QI_SANITIZE)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/SanitizerTestEnv.cmake.in SanitizerTestEnv.cmake @ONLY)
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/SanitizerTestEnv.cmake)
 endif()
+
+# qi_without_sanitizers(<target>): builds the target without the sanitizers, for a
+# module that processes built without them load (the sqlite3 shell loads the Jet
+# comparison extension): the sanitizers' runtime must come first in a process.
+function(qi_without_sanitizers target)
+  if(NOT QI_SANITIZE)
+    return()
+  endif()
+  foreach(property COMPILE_OPTIONS LINK_OPTIONS)
+    get_target_property(options ${target} ${property})
+    if(options)
+      list(REMOVE_ITEM options ${QI_SANITIZER_FLAGS} -fsanitize=fuzzer-no-link)
+      set_target_properties(${target} PROPERTIES ${property} "${options}")
+    endif()
+  endforeach()
+endfunction()
