@@ -9,6 +9,8 @@ packages=(
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
   qt6-translations-l10n xdotool x11-apps
+  # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)
+  clang libclang-rt-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do
