@@ -70,12 +70,20 @@ QStringList qtNameFilters(const std::string& filter)
     return out;
 }
 
-QWidget* QtUserInteraction::dialogParent() const
+QWidget* QtUserInteraction::dialogParent()
 {
     if (QWidget* modal = QApplication::activeModalWidget())
         return modal;
-    if (QWidget* active = QApplication::activeWindow())
+    if (QWidget* active = QApplication::activeWindow()) {
+        lastActive_ = active;
         return active;
+    }
+    // Right after a dialog of a command closed, the window system has not yet handed the
+    // activation back: the window the command runs in is still the one in use. Over the
+    // owner given (the main window, out of use while an order is open) the next dialog
+    // would bring that owner to the front of the order's window.
+    if (lastActive_ && lastActive_->isVisible())
+        return lastActive_;
     return parent_;
 }
 

@@ -3,12 +3,13 @@
 
 #include "UserInteraction.h"
 
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
 #include <functional>
 
 class QProgressDialog;
-#include <QStringList>
-
-class QWidget;
 
 namespace qi {
 
@@ -22,8 +23,9 @@ public:
     explicit QtUserInteraction(QWidget* parent = nullptr) : parent_(parent) {}
     void setParent(QWidget* parent) { parent_ = parent; }
     /// The window a dialog opens over: the modal dialog in front, else the active window of
-    /// the program, else the parent given.
-    QWidget* dialogParent() const;
+    /// the program, else the window that was active when the last dialog was asked for (while
+    /// it is shown), else the parent given.
+    QWidget* dialogParent();
 
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;
@@ -55,6 +57,7 @@ public:
 
 private:
     QWidget* parent_;
+    QPointer<QWidget> lastActive_;
     ReportViewer reportViewer_;
     int busyDepth_ = 0;
     ConflictDialog conflictDialog_;

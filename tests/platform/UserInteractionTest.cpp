@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QTest>
 
 using namespace qi;
 
@@ -56,5 +57,34 @@ TEST(QtUserInteraction, DialogsOpenOverTheModalDialogInFront)
     dialog.show();
     EXPECT_EQ(ui.dialogParent(), &dialog);
     dialog.hide();
+    EXPECT_EQ(ui.dialogParent(), &main);
+}
+
+TEST(QtUserInteraction, DialogsStayOverTheWindowInUseWhileNoWindowIsActive)
+{
+    test::qtApplication();
+    QWidget main;
+    main.show();
+    QWidget work(&main, Qt::Window);
+    work.show();
+    work.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&work));
+    QtUserInteraction ui(&main);
+    EXPECT_EQ(ui.dialogParent(), &work); // the command's first dialog, asked for from the active window
+
+    // A dialog of the command came and went; no window of the program is active yet.
+    {
+        QDialog question(&work);
+        question.show();
+        question.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&question));
+        question.hide();
+    }
+    QApplication::processEvents();
+    ASSERT_EQ(QApplication::activeWindow(), nullptr);
+    EXPECT_EQ(ui.dialogParent(), &work);
+
+    // Once the window is gone the owner given takes the dialogs again.
+    work.hide();
     EXPECT_EQ(ui.dialogParent(), &main);
 }
