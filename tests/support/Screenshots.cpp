@@ -10,9 +10,11 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSet>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
+#include <QWindow>
 
 namespace qi::test {
 
@@ -36,6 +38,15 @@ void menuTexts(const QMenu& menu, QStringList& out)
         if (a->menu())
             menuTexts(*a->menu(), out);
     }
+}
+
+/// Keeps the image as "<name>.png" in the folder "screenshots" beside the test program.
+QImage keep(const QImage& image, const QString& name)
+{
+    QDir dir(QCoreApplication::applicationDirPath());
+    dir.mkpath(QStringLiteral("screenshots"));
+    image.save(dir.absoluteFilePath(QStringLiteral("screenshots/") + name + QStringLiteral(".png")), "PNG");
+    return image;
 }
 
 } // namespace
@@ -83,11 +94,15 @@ QStringList visibleTexts(QWidget& window)
 QImage screenshot(QWidget& window, const QString& name)
 {
     QCoreApplication::processEvents();
-    const QImage image = window.grab().toImage();
-    QDir dir(QCoreApplication::applicationDirPath());
-    dir.mkpath(QStringLiteral("screenshots"));
-    image.save(dir.absoluteFilePath(QStringLiteral("screenshots/") + name + QStringLiteral(".png")), "PNG");
-    return image;
+    return keep(window.grab().toImage(), name);
+}
+
+QImage screenContents(QWidget& window, const QString& name)
+{
+    QScreen* screen = window.screen();
+    if (!screen || !window.windowHandle())
+        return {};
+    return keep(screen->grabWindow(window.winId()).toImage(), name);
 }
 
 int colourCount(const QImage& image)

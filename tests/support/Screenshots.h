@@ -19,6 +19,11 @@ QStringList visibleTexts(QWidget& window);
 /// "screenshots" beside the test program and returns the image.
 QImage screenshot(QWidget& window, const QString& name);
 
+/// What the window system was last handed for the shown `window` (its flushed backing
+/// store, not a fresh rendering), kept as "<name>.png" beside the screenshots; null when
+/// the window never reached the screen.
+QImage screenContents(QWidget& window, const QString& name);
+
 /// Number of different colours in the image (a blank window has one or two).
 int colourCount(const QImage& image);
 

@@ -36,9 +36,11 @@ void ProgramFixture::TearDown()
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-void ProgramFixture::startProgram()
+void ProgramFixture::startProgram() { startProgram(ui); }
+
+void ProgramFixture::startProgram(UserInteraction& interaction)
 {
-    main = std::make_unique<ScriptedMain>(ui, programDir);
+    main = std::make_unique<ScriptedMain>(interaction, programDir);
     connectWindows(*main);
     main->Form_Load();
     main->show();

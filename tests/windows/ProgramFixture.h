@@ -33,6 +33,8 @@ protected:
 
     /// Starts the main window on the program folder (start-up, shown).
     void startProgram();
+    /// The same with the user met through `interaction` instead of the scripted `ui`.
+    void startProgram(UserInteraction& interaction);
     /// Creates an order through the new-order dialog.
     void newOrder(const std::string& name, const std::string& person = "Meier");
     /// Selects the order in the main window's list and opens it with a double click.

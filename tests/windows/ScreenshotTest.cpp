@@ -8,9 +8,16 @@
 #include "Screenshots.h"
 #include "frmFehler.h"
 
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QTreeWidget>
 
 namespace qi::test {
@@ -79,6 +86,96 @@ TEST_F(ScreenshotTest, WorkWindowWithData)
                     "&Auswertung aktualisieren", "&Auswahl", "&OK", "Scan_EG_Teil1.dat", "Scan_EG_Teil2.dat",
                     "14.03.2025", QString::fromStdString(rooms.front()->nr), "E"});
     EXPECT_EQ(work()->windowTitle(), QStringLiteral("Auftrag: Erdgeschoss"));
+}
+
+TEST_F(ScreenshotTest, ImportMessagesAndConflictDialogReachTheScreen)
+{
+    // The program's own dialogs: the file is chosen in the file dialog, and the import's
+    // messages and the conflict dialog wait for their answer while the import runs.
+    QtUserInteraction qt;
+    installFrmFehler(qt);
+    startProgram(qt);
+    qt.setParent(main.get());
+    newOrder("Erdgeschoss");
+    openOrder("Erdgeschoss");
+    ASSERT_NE(work(), nullptr);
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        w.tvGeb->SelectNode(firstFloor());
+        emit w.tvGeb->Click();
+        w.pbAllIn->click();
+        w.pbFertig->click();
+    });
+    work()->pbRooms->click();
+
+    /// Checks what reached the screen of the dialog waiting in front: drawn at all, and the
+    /// place of `text` drawn with more than the background.
+    const auto expectDrawn = [](QWidget& dialog, const QString& name, QWidget& text) {
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog)) << name.toStdString();
+        QTest::qWait(50);
+        const QImage shown = screenContents(dialog, name);
+        ASSERT_FALSE(shown.isNull()) << name.toStdString();
+        EXPECT_GT(colourCount(shown), 20) << name.toStdString();
+        const QRect place(text.mapTo(&dialog, QPoint(0, 0)), text.size());
+        const qreal dpr = shown.devicePixelRatio();
+        const QImage textPixels = shown.copy(QRect(place.topLeft() * dpr, place.size() * dpr));
+        EXPECT_GT(colourCount(textPixels), 4) << name.toStdString() << ": " << text.objectName().toStdString();
+    };
+
+    QStringList messages;
+    int conflicts = 0;
+    int fileDialogs = 0;
+    QTimer answer;
+    answer.setInterval(10);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal || !modal->isVisible())
+            return;
+        answer.stop(); // the checks below run the event loop
+        if (auto* files = qobject_cast<QFileDialog*>(modal)) {
+            if (++fileDialogs > 1) {
+                ADD_FAILURE() << "the file dialog did not take the scanner file";
+                files->reject();
+            } else {
+                // Typed into the name field, as a person does.
+                files->setDirectory(QString::fromStdString(demoDir));
+                if (auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+                    name->setText(QStringLiteral("Scan_EG_Teil1.dat"));
+                QMetaObject::invokeMethod(files, "accept");
+            }
+        } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+            messages << box->text();
+            auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+            if (label)
+                expectDrawn(*box, QStringLiteral("import-message-%1").arg(messages.size()), *label);
+            else
+                ADD_FAILURE() << "message box without its text label";
+            box->buttons().first()->click();
+        } else if (auto* conflict = qobject_cast<frmFehler*>(modal)) {
+            ++conflicts;
+            expectDrawn(*conflict, QStringLiteral("import-conflict-%1").arg(conflicts), *conflict->lbInvNr);
+            conflict->opBehalten->click();
+            conflict->pbOk->click();
+        } else {
+            ADD_FAILURE() << "unexpected window " << modal->metaObject()->className() << " "
+                          << modal->windowTitle().toStdString();
+            modal->close();
+        }
+        answer.start();
+    });
+    answer.start();
+    work()->pbAdd->click();
+    answer.stop();
+
+    bool sameRoom = false;
+    bool withoutNumber = false;
+    for (const QString& m : messages) {
+        sameRoom |= m.endsWith(QStringLiteral("' mehrfach eingescannt worden."));
+        withoutNumber |= m.endsWith(QStringLiteral("' steht ein Datensatz ohne Objektnummer."));
+    }
+    EXPECT_TRUE(sameRoom) << messages.join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(withoutNumber) << messages.join(QLatin1Char('\n')).toStdString();
+    EXPECT_GE(conflicts, 1);
+    ASSERT_EQ(work()->lvDateien->topLevelItemCount(), 1);
 }
 
 TEST_F(ScreenshotTest, RoomSelectionWithTheTree)
