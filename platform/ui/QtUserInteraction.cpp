@@ -8,6 +8,7 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QProcess>
 #include <QProgressDialog>
@@ -15,6 +16,7 @@
 #include <QPushButton>
 #include <QStringList>
 #include <QTextBrowser>
+#include <QTreeView>
 #include <QUrl>
 
 namespace qi {
@@ -126,8 +128,15 @@ std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& 
     QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
-    // Wide enough for the columns of the file list.
+    // Wide enough for the columns of the file list: type, size and date are shown whole,
+    // the name takes the room they leave.
     dialog.resize(820, 520);
+    if (auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        QHeaderView* header = list->header();
+        header->setStretchLastSection(false);
+        header->setSectionResizeMode(QHeaderView::ResizeToContents);
+        header->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
     const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())

@@ -9,6 +9,7 @@
 #include "frmFehler.h"
 
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -18,6 +19,7 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
+#include <QTreeView>
 #include <QTreeWidget>
 
 namespace qi::test {
@@ -176,6 +178,37 @@ TEST_F(ScreenshotTest, ImportMessagesAndConflictDialogReachTheScreen)
     EXPECT_TRUE(withoutNumber) << messages.join(QLatin1Char('\n')).toStdString();
     EXPECT_GE(conflicts, 1);
     ASSERT_EQ(work()->lvDateien->topLevelItemCount(), 1);
+}
+
+TEST_F(ScreenshotTest, FileDialogShowsItsColumnsWhole)
+{
+    QtUserInteraction qt;
+    bool shot = false;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        auto* list = dialog->findChild<QTreeView*>(QStringLiteral("treeView"));
+        ASSERT_NE(list, nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount(list->rootIndex()) >= 4; }));
+        QTest::qWait(50);
+        expectOnScreen(*dialog, QStringLiteral("filedialog"), {});
+        const QHeaderView* header = list->header();
+        const QAbstractItemView& view = *list;
+        for (int c = 1; c < header->count(); ++c) {
+            if (!header->isSectionHidden(c)) {
+                EXPECT_GE(header->sectionSize(c), view.sizeHintForColumn(c)) << "column " << c;
+            }
+        }
+        EXPECT_GE(header->sectionSize(0), header->sectionSize(1));
+        shot = true;
+        dialog->reject();
+    });
+    FileDialogRequest request;
+    request.startFolder = demoDir;
+    request.filter = "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat";
+    request.filterIndex = 2;
+    EXPECT_FALSE(qt.openFile(request).has_value());
+    EXPECT_TRUE(shot);
 }
 
 TEST_F(ScreenshotTest, RoomSelectionWithTheTree)
