@@ -8,7 +8,7 @@ packages=(
   mdbtools mdbtools-dev unixodbc unixodbc-dev odbc-postgresql postgresql postgresql-client
   libgtest-dev libgmock-dev googletest
   xvfb xauth poppler-utils fonts-dejavu-core
-  qt6-translations-l10n xdotool x11-apps
+  qt6-translations-l10n xdotool x11-apps x11-utils imagemagick
   # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)
   clang libclang-rt-14-dev
 )
