@@ -6,7 +6,8 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev googletest
-  xvfb xauth poppler-utils fonts-dejavu-core
+  libicu-dev libxlsxwriter-dev
+  xvfb xauth poppler-utils unzip fonts-dejavu-core fonts-liberation2
 )
 missing=()
 for p in "${packages[@]}"; do
