@@ -1,5 +1,7 @@
 #include "RecordDb.h"
 
+#include "FileSystem.h"
+
 namespace qi {
 
 namespace {
@@ -22,7 +24,7 @@ bool RecordDb::OpenDb()
         db_ = Database::open(dbPath_, truthy(openReadOnly_));
         return true;
     } catch (const DbError& e) {
-        return fail("Die Datenbank " + dbPath_ + " konnte nicht geöffnet werden!", e);
+        return fail("Die Datenbank " + displayPath(dbPath_) + " konnte nicht geöffnet werden!", e);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ReportLinks.h"
 
+#include "HostMirror.h"
 #include "LinkedDatabase.h"
 #include "ReportDatabase.h"
 
@@ -85,6 +86,10 @@ bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath
         // The building link's connect string tells how the host links were made; it is read
         // whatever the project type (a missing link fails here, before any host link changes).
         const std::string raumkernConnect = db->connect("T_Raumkern");
+        // An ODBC project's links read the server's tables from the local mirror: made anew now.
+        if (!jet && !settings.gstConnectionString.empty())
+            HostMirror(HostMirror::defaultCacheFolder(), settings.gstAppPfad)
+                .refresh(HostSource::odbc(settings.gstConnectionString));
         if (jet && raumkernConnect.find("ODBC") != std::string::npos) {
             // The links were made for an ODBC project: make them anew for the Jet files.
             rebuild(*db, "T_Raumkern", connect);

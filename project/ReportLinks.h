@@ -24,7 +24,9 @@ inline constexpr const char* kOrderLinks[] = {"t_Artikelliste", "t_DatInventur",
 void createReportDatabase(const std::string& path);
 
 /// Points the report database's links at the order database `orderDbPath` and at the project's
-/// Quarn databases for its type and module. For a "ptJet" project whose link T_Raumkern still holds
+/// Quarn databases for its type and module. For an ODBC project the local mirror of the server's
+/// tables is made anew after the order links (a server that can't be reached ends the relinking
+/// there; the links keep reading the last copy). For a "ptJet" project whose link T_Raumkern still holds
 /// an ODBC connect string the host links are dropped and made anew. Errors end the relinking at the
 /// failing step with the common error message "COVRpt.CheckReportMdbLink"; links already changed
 /// stay changed. True when every step succeeded.

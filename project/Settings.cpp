@@ -22,14 +22,14 @@ std::string Settings::objectDatabaseFile() const
     }
 }
 
-std::string Settings::buildingDatabase() const
+HostSource Settings::buildingDatabase() const
 {
-    return isJet() ? gstProjektPfad + "\\QGebaeude.mdb" : gstConnectionString;
+    return isJet() ? HostSource::file(gstProjektPfad + "\\QGebaeude.mdb") : HostSource::odbc(gstConnectionString);
 }
 
-std::string Settings::objectDatabase() const
+HostSource Settings::objectDatabase() const
 {
-    return isJet() ? gstProjektPfad + objectDatabaseFile() : gstConnectionString;
+    return isJet() ? HostSource::file(gstProjektPfad + objectDatabaseFile()) : HostSource::odbc(gstConnectionString);
 }
 
 } // namespace qi

@@ -1,6 +1,8 @@
 #pragma once
 // The program-wide settings that start-up establishes once and every window reads.
 
+#include "HostSource.h"
+
 #include <cstdint>
 #include <string>
 
@@ -27,10 +29,10 @@ struct Settings {
     std::string objectDatabaseFile() const;
     /// What Quarn's building component is opened with: the project's "\QGebaeude.mdb" for
     /// Jet projects, the connection string otherwise.
-    std::string buildingDatabase() const;
+    HostSource buildingDatabase() const;
     /// What Quarn's object and article components are opened with: the module's object
     /// database file for Jet projects, the connection string otherwise.
-    std::string objectDatabase() const;
+    HostSource objectDatabase() const;
 };
 
 } // namespace qi

@@ -1,6 +1,7 @@
 #include "Startup.h"
 
 #include "FileSystem.h"
+#include "HostMirror.h"
 
 #include <algorithm>
 #include <cctype>
@@ -85,6 +86,8 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
 
     // 3. The project folder: kept only when it exists and holds at least one file.
     if (!projekt.empty()) {
+        // A folder named relative to nothing lies below the program folder, wherever that was copied.
+        projekt = resolvePath(programFolder, projekt);
         if (projekt.back() != '\\')
             projekt += '\\';
         step.ignoreErrors();
@@ -158,18 +161,17 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
     settings.gstAppPfad = programFolder;
 
     // 10. Quarn's building database; on Jet projects also the module's objects for the per-room query.
+    // Quarn's data are read through local mirrors, also by the report database's links; a server's
+    // mirror is made anew now (a server that can't be reached leaves the last copy, if any).
     const std::string prefix = settings.tablePrefix();
     if (!step([&] {
+            useHostMirrorForLinks(settings.gstAppPfad);
+            if (!settings.isJet())
+                refreshServerMirror(settings, ui);
             auto geb = std::make_unique<QGebDb>();
-            if (settings.isJet()) {
-                geb->Open(settings.gstAppPfad, settings.gstProjektPfad + "\\QGebaeude.mdb");
-                if (!prefix.empty())
-                    geb->OpenObjects(settings.gstProjektPfad + settings.objectDatabaseFile(), prefix);
-            } else {
-                geb->Open(settings.gstAppPfad, settings.gstConnectionString);
-                if (!prefix.empty())
-                    geb->OpenObjects(settings.gstConnectionString, prefix);
-            }
+            geb->Open(settings.gstAppPfad, settings.buildingDatabase());
+            if (!prefix.empty())
+                geb->OpenObjects(settings.objectDatabase(), prefix);
             result.gebDb = std::move(geb);
         }))
         return result;
@@ -178,9 +180,7 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
     if (!prefix.empty()) {
         if (!step([&] {
                 auto obj = std::make_unique<QObjektDb>();
-                obj->Open(settings.gstAppPfad, settings.isJet()
-                                                   ? settings.gstProjektPfad + settings.objectDatabaseFile()
-                                                   : settings.gstConnectionString);
+                obj->Open(settings.gstAppPfad, settings.objectDatabase());
                 obj->SetTablePrefix(prefix);
                 result.objektDb = std::move(obj);
             }))
@@ -190,6 +190,18 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
     // 12. The per-order database object and the current order record are the main window's.
     result.completed = true;
     return result;
+}
+
+bool refreshServerMirror(const Settings& settings, UserInteraction& ui)
+{
+    try {
+        HostMirror(HostMirror::defaultCacheFolder(), settings.gstAppPfad)
+            .refresh(HostSource::odbc(settings.gstConnectionString));
+        return true;
+    } catch (const DbError& e) {
+        problem(ui, e.description().c_str());
+    }
+    return false;
 }
 
 bool CheckDB_Reports(const Settings& settings)

@@ -35,7 +35,7 @@ struct StartupResult {
     bool completed = false;
     /// The order register, opened on gstProjektPfad + "QInventur.mdb" (the open may have failed).
     std::unique_ptr<CInventurDb> inventurDb;
-    /// Quarn's building database component (its objects opened for the module on Jet projects).
+    /// Quarn's building database component (its objects opened for the module).
     std::unique_ptr<QGebDb> gebDb;
     /// Quarn's object component for the module.
     std::unique_ptr<QObjektDb> objektDb;
@@ -47,6 +47,10 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
 /// The same with a given profile service (tests use one that fails on purpose).
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
                          const ProfileService& profile);
+
+/// Makes the mirror of an ODBC project's server database anew (start-up, opening an order). A server that
+/// can't be reached is reported (critical icon, title "Problem") and the last copy stays; false then.
+bool refreshServerMirror(const Settings& settings, UserInteraction& ui);
 
 /// Seeds the project folder from the template folder gstAppPfad + "\Leeres Projekt\" unless it already
 /// holds "QInventur.mdb": the register, "QAuftrag.mdb" and the eight report files, the latter copied to

@@ -3,16 +3,18 @@
 #include "CAuftragDb.h"
 #include "FileSystem.h"
 #include "HelpTools.h"
+#include "ListView.h"
 #include "ReportLinks.h"
 #include "Startup.h"
 #include "TableRecordset.h"
+#include "WindowState.h"
 #include "frmAbout.h"
 #include "frmAufNeu.h"
-#include "frmWorkPlaceholder.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QTreeWidget>
@@ -100,17 +102,13 @@ void frmMain::buildWindow()
     auto* layout = new QVBoxLayout(central);
     lvAuftraege = new QTreeWidget(central);
     lvAuftraege->setObjectName(QStringLiteral("lvAuftraege"));
-    lvAuftraege->setRootIsDecorated(false);
-    lvAuftraege->setItemsExpandable(false);
-    lvAuftraege->setUniformRowHeights(true);
-    lvAuftraege->setAllColumnsShowFocus(true);
+    setUpListView(*lvAuftraege, {QStringLiteral("Name"), QStringLiteral("erstellt"), QStringLiteral("geändert"),
+                                 QStringLiteral("Ersteller")});
     lvAuftraege->setSelectionMode(QAbstractItemView::SingleSelection);
-    lvAuftraege->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("erstellt"), QStringLiteral("geändert"),
-                                  QStringLiteral("Ersteller")});
-    lvAuftraege->header()->setStretchLastSection(true);
-    lvAuftraege->setColumnWidth(0, 200);
-    lvAuftraege->setColumnWidth(1, 140);
-    lvAuftraege->setColumnWidth(2, 140);
+    lvAuftraege->setColumnWidth(0, 220);
+    lvAuftraege->setColumnWidth(1, 150);
+    lvAuftraege->setColumnWidth(2, 150);
+    lvAuftraege->installEventFilter(this);
     Label1 = new QLabel(QStringLiteral("Öffnen mit Doppelklick"), central);
     layout->addWidget(lvAuftraege);
     layout->addWidget(Label1);
@@ -136,7 +134,21 @@ void frmMain::buildWindow()
     for (auto& [index, action] : mnuHelpFkt)
         connect(action, &QAction::triggered, this, [this, i = index] { mnuHelpFkt_Click(i); });
 
-    resize(640, 420);
+    resize(720, 460);
+    restoreWindowState(*this, QStringLiteral("frmMain"), {lvAuftraege});
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event)
+{
+    // The return key opens the selected order as a double click does.
+    if (watched == lvAuftraege && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            lvAuftraege_DblClick();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 std::string frmMain::helpFile() const { return programFolder_ + "\\" + kHelpFile; }
@@ -211,13 +223,14 @@ void frmMain::InitAuftraege()
     collAuftraege_.GetPrev(last);
     setCurrent(last);
     for (const CAuftragRec& rec : collAuftraege_) {
-        auto* item = new QTreeWidgetItem(lvAuftraege);
+        auto* item = new ListViewItem(lvAuftraege);
         item->setData(0, Qt::UserRole, QString::fromStdString(kKeyPrefix + std::to_string(rec.lID)));
         item->setText(0, QString::fromStdString(rec.stBezeichung));
         item->setText(1, QString::fromStdString(rec.erstellt.toDisplayText()));
         item->setText(2, QString::fromStdString(rec.letzte_Aenderung.toDisplayText()));
         item->setText(3, QString::fromStdString(rec.stErsteller));
     }
+    sortAgain(*lvAuftraege);
 }
 
 CAuftragRec* frmMain::recordOfItem(const QTreeWidgetItem* item)
@@ -281,15 +294,23 @@ void frmMain::lvAuftraege_DblClick()
 
         CheckReportMdbLink(settings_, dbAuftrag_->DbPath(), ui_);
 
+        if (!orderWindowFactory_)
+            throw RunError(rterr::NoObject);
         if (workWindow_)
             workWindow_->deleteLater();
-        workWindow_ = new frmWorkPlaceholder(*dbAuftrag_, this);
-        workWindow_->setWindowTitle(QString::fromStdString("Auftrag: " + rec->stBezeichung));
-        connect(workWindow_.data(), &frmWorkPlaceholder::unloaded, this, [this] {
+        workWindow_ = orderWindowFactory_(OpenOrder{*dbAuftrag_, settings_, ui_, this});
+        if (!workWindow_)
+            throw RunError(rterr::NoObject);
+        connect(workWindow_.data(), &OrderWindow::unloaded, this, [this] {
             setActiveState(true);
             update();
         });
+        workWindow_->Init();
+        workWindow_->setGebDb(gebDb_.get());
+        workWindow_->setWindowTitle(QString::fromStdString("Auftrag: " + rec->stBezeichung));
         workWindow_->show();
+        workWindow_->raise();
+        workWindow_->activateWindow();
         setActiveState(false);
     } catch (const std::exception& e) {
         ui_.showError(mainlabel::DblClick, e.what());
@@ -298,8 +319,12 @@ void frmMain::lvAuftraege_DblClick()
 
 void frmMain::Form_Paint()
 {
-    if (workWindow_ && workWindow_->bFinished && dbAuftrag_)
+    if (workWindow_ && workWindow_->f_bReload && dbAuftrag_) {
+        // The finished window goes with the database it borrowed.
+        workWindow_->deleteLater();
+        workWindow_ = nullptr;
         dbAuftrag_.reset();
+    }
 }
 
 void frmMain::paintEvent(QPaintEvent* event)
@@ -426,8 +451,11 @@ bool frmMain::MakeDatabase(std::string& path)
 void frmMain::closeWorkWindow()
 {
     if (workWindow_) {
+        // Its unload closes the order database and the room selection; the window itself
+        // goes once control is back in the event loop.
         workWindow_->close();
-        delete workWindow_.data();
+        workWindow_->deleteLater();
+        workWindow_ = nullptr;
     }
 }
 
@@ -470,6 +498,7 @@ void frmMain::deleteSelectedOrder()
 
 void frmMain::closeEvent(QCloseEvent* event)
 {
+    saveWindowState(*this, QStringLiteral("frmMain"), {lvAuftraege});
     Form_Unload();
     event->accept();
 }

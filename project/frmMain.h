@@ -8,8 +8,8 @@
 #include "QuarnHost.h"
 #include "RecColl.h"
 #include "Settings.h"
+#include "OrderWindow.h"
 #include "UserInteraction.h"
-#include "frmWorkPlaceholder.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -100,7 +100,9 @@ public:
     /// The per-order database object, or null when released.
     CAuftragDb* orderDb() { return dbAuftrag_.get(); }
     /// The work window of the open order, or null.
-    frmWorkPlaceholder* workWindow() { return workWindow_.data(); }
+    OrderWindow* workWindow() { return workWindow_.data(); }
+    /// Plugs in the window that an opened order is shown in (the program's work window).
+    void setOrderWindowFactory(OrderWindowFactory factory) { orderWindowFactory_ = std::move(factory); }
     QGebDb* gebDb() { return gebDb_.get(); }
     QObjektDb* objektDb() { return objektDb_.get(); }
     /// The program's help file: program folder + "\QInventur.html".
@@ -118,6 +120,7 @@ protected:
     virtual void runModal(QDialog& dialog);
     void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildWindow();
@@ -145,7 +148,8 @@ private:
     CAuftragRec* recAuftrag_ = nullptr;
     std::unique_ptr<CAuftragRec> ownRec_;
     std::unique_ptr<CAuftragDb> dbAuftrag_;
-    QPointer<frmWorkPlaceholder> workWindow_;
+    OrderWindowFactory orderWindowFactory_;
+    QPointer<OrderWindow> workWindow_;
     bool active_ = true;
     bool unloaded_ = false;
 };

@@ -5,9 +5,13 @@ packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev
   libsqlite3-dev sqlite3
+  mdbtools mdbtools-dev unixodbc unixodbc-dev odbc-postgresql postgresql postgresql-client
   libgtest-dev libgmock-dev googletest
   libicu-dev libxlsxwriter-dev
   xvfb xauth poppler-utils unzip fonts-dejavu-core fonts-liberation2
+  qt6-translations-l10n xdotool x11-apps
+  # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)
+  clang libclang-rt-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -516,6 +517,21 @@ void writeDemoProject(const Sizes& sizes, const std::string& folder, const std::
 void writeQuarnIni(const std::string& file, const std::string& projectFolder)
 {
     writeTextFile(file, {"[Quarn]", "Projekt=" + projectFolder});
+}
+
+std::string projectValueFor(const std::string& quarnIni, const std::string& projectFolder)
+{
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::absolute(fs::u8path(nativePath(projectFolder))).lexically_normal();
+    const fs::path base = fs::absolute(fs::u8path(nativePath(quarnIni))).parent_path().lexically_normal();
+    const fs::path relative = folder.lexically_relative(base);
+    if (relative.empty())
+        return systemPath(folder.string());
+    std::string value = systemPath(relative.string());
+    // A folder that ended in a separator names the same folder without it.
+    while (value.size() > 1 && value.back() == '\\')
+        value.pop_back();
+    return value;
 }
 
 } // namespace qi::demo

@@ -128,5 +128,9 @@ void writeDemoProject(const Sizes& sizes, const std::string& folder, const std::
                       const std::string& modul = "INVENTAR");
 /// Writes the host profile file ("[Quarn]" "Projekt=" + `projectFolder`).
 void writeQuarnIni(const std::string& file, const std::string& projectFolder);
+/// The "Projekt" value of the host profile file `quarnIni` for the project folder `projectFolder`:
+/// the folder relative to the profile file's folder, with backslashes ("Demo", "..\Projekte\Demo");
+/// the absolute folder when there is no relative way (another drive).
+std::string projectValueFor(const std::string& quarnIni, const std::string& projectFolder);
 
 } // namespace qi::demo

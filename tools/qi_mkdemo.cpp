@@ -6,14 +6,14 @@
 //             [--articles N] [--objects N] [--technik-articles N] [--technik-objects N]
 //             [--brandschutz-articles N] [--brandschutz-objects N] [--persons N] [--cost-centres N]
 // --buildings counts per site, --floors per building, --rooms per floor. --quarn-ini writes the
-// host profile file naming the project folder (as an absolute path).
+// host profile file naming the project folder relative to the folder of the profile file, so
+// that a copied program folder keeps finding the demo beside it.
 
 #include "DemoInstallation.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <filesystem>
 #include <map>
 #include <string>
 
@@ -81,7 +81,7 @@ int main(int argc, char** argv)
     try {
         qi::demo::writeDemoProject(sizes, folder, reports, modul);
         if (!quarnIni.empty())
-            qi::demo::writeQuarnIni(quarnIni, std::filesystem::absolute(folder).lexically_normal().string());
+            qi::demo::writeQuarnIni(quarnIni, qi::demo::projectValueFor(quarnIni, folder));
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qi_mkdemo: %s\n", e.what());
         return 1;

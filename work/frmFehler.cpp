@@ -3,6 +3,7 @@
 #include "QtUserInteraction.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -39,6 +40,10 @@ frmFehler::frmFehler(QWidget* parent) : QDialog(parent)
     setWindowTitle(QStringLiteral("Fehler"));
     setModal(true);
 
+    // The two occurrences one under the other in one frame, each with the option that decides for it.
+    Frame2 = new QGroupBox(this);
+    Frame2->setObjectName(QStringLiteral("Frame2"));
+
     lbMessage = label(this, "lbMessage", QStringLiteral("Bitte zwischen beiden Räumen entscheiden !"));
     Label1 = label(this, "Label1", QStringLiteral("Inventarnummer"));
     lbInvNr = label(this, "lbInvNr");
@@ -46,57 +51,72 @@ frmFehler::frmFehler(QWidget* parent) : QDialog(parent)
     lbArtNr = label(this, "lbArtNr");
     Label4 = label(this, "Label4", QStringLiteral("Artikelbezeichnung"));
     lbArtName = label(this, "lbArtName");
-    Label10 = label(this, "Label10", QStringLiteral("Erstes Auftreten:"));
-    Label11 = label(this, "Label11", QStringLiteral("Zweites Auftreten:"));
-    Label3 = label(this, "Label3", QStringLiteral("Raum"));
-    Label5 = label(this, "Label5", QStringLiteral("Datei"));
-    Label12 = label(this, "Label12", QStringLiteral("Datum"));
-    lbRNrAlt = label(this, "lbRNrAlt");
-    lbDatAlt = label(this, "lbDatAlt");
-    lbDatumAlt = label(this, "lbDatumAlt");
-    lbRNrNeu = label(this, "lbRNrNeu");
-    lbDatNeu = label(this, "lbDatNeu");
-    lbDatumNeu = label(this, "lbDatumNeu");
+    Label10 = label(Frame2, "Label10", QStringLiteral("Erstes Auftreten:"));
+    Label11 = label(Frame2, "Label11", QStringLiteral("Zweites Auftreten:"));
+    Label3 = label(Frame2, "Label3", QStringLiteral("Raum"));
+    Label5 = label(Frame2, "Label5", QStringLiteral("Datei"));
+    Label12 = label(Frame2, "Label12", QStringLiteral("Datum"));
+    lbRNrAlt = label(Frame2, "lbRNrAlt");
+    lbDatAlt = label(Frame2, "lbDatAlt");
+    lbDatumAlt = label(Frame2, "lbDatumAlt");
+    lbRNrNeu = label(Frame2, "lbRNrNeu");
+    lbDatNeu = label(Frame2, "lbDatNeu");
+    lbDatumNeu = label(Frame2, "lbDatumNeu");
 
-    Frame2 = new QGroupBox(this);
-    Frame2->setObjectName(QStringLiteral("Frame2"));
-    opBehalten = new QRadioButton(Frame2);
+    opBehalten = new QRadioButton(QStringLiteral("&behalten"), Frame2);
     opBehalten->setObjectName(QStringLiteral("opBehalten"));
-    opVerwerfen = new QRadioButton(Frame2);
+    opBehalten->setToolTip(QStringLiteral("Das erste Auftreten behalten; die neue Erfassung wird verworfen"));
+    opBehalten->setAccessibleName(QStringLiteral("Erstes Auftreten behalten"));
+    opVerwerfen = new QRadioButton(QStringLiteral("&übernehmen"), Frame2);
     opVerwerfen->setObjectName(QStringLiteral("opVerwerfen"));
-    auto* frameLayout = new QVBoxLayout(Frame2);
-    frameLayout->addWidget(opBehalten);
-    frameLayout->addWidget(opVerwerfen);
+    opVerwerfen->setToolTip(QStringLiteral("Das zweite Auftreten übernehmen; das erste wird verworfen"));
+    opVerwerfen->setAccessibleName(QStringLiteral("Zweites Auftreten übernehmen"));
+    for (QLabel* l : {Label3, Label5, Label12})
+        l->setStyleSheet(QStringLiteral("font-weight: bold"));
+    auto* table = new QGridLayout(Frame2);
+    table->setHorizontalSpacing(18);
+    table->addWidget(Label3, 0, 1);
+    table->addWidget(Label5, 0, 2);
+    table->addWidget(Label12, 0, 3);
+    table->addWidget(Label10, 1, 0);
+    table->addWidget(lbRNrAlt, 1, 1);
+    table->addWidget(lbDatAlt, 1, 2);
+    table->addWidget(lbDatumAlt, 1, 3);
+    table->addWidget(opBehalten, 1, 4);
+    table->addWidget(Label11, 2, 0);
+    table->addWidget(lbRNrNeu, 2, 1);
+    table->addWidget(lbDatNeu, 2, 2);
+    table->addWidget(lbDatumNeu, 2, 3);
+    table->addWidget(opVerwerfen, 2, 4);
+    table->setColumnStretch(2, 1);
 
     pbOk = new QPushButton(QStringLiteral("&OK"), this);
     pbOk->setObjectName(QStringLiteral("pbOk"));
     pbOk->setEnabled(false);
+    pbOk->setDefault(true);
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
     Timer1->setInterval(500);
 
-    auto* grid = new QGridLayout(this);
-    grid->addWidget(lbMessage, 0, 0, 1, 5);
-    grid->addWidget(Label1, 1, 0);
-    grid->addWidget(lbInvNr, 1, 1, 1, 4);
-    grid->addWidget(Label2, 2, 0);
-    grid->addWidget(lbArtNr, 2, 1, 1, 4);
-    grid->addWidget(Label4, 3, 0);
-    grid->addWidget(lbArtName, 3, 1, 1, 4);
-    grid->addWidget(Label3, 4, 1);
-    grid->addWidget(Label5, 4, 2);
-    grid->addWidget(Label12, 4, 3);
-    grid->addWidget(Label10, 5, 0);
-    grid->addWidget(lbRNrAlt, 5, 1);
-    grid->addWidget(lbDatAlt, 5, 2);
-    grid->addWidget(lbDatumAlt, 5, 3);
-    grid->addWidget(Label11, 6, 0);
-    grid->addWidget(lbRNrNeu, 6, 1);
-    grid->addWidget(lbDatNeu, 6, 2);
-    grid->addWidget(lbDatumNeu, 6, 3);
-    grid->addWidget(Frame2, 5, 4, 2, 1);
-    grid->addWidget(pbOk, 7, 4);
+    auto* head = new QGridLayout;
+    head->addWidget(Label1, 0, 0);
+    head->addWidget(lbInvNr, 0, 1);
+    head->addWidget(Label2, 1, 0);
+    head->addWidget(lbArtNr, 1, 1);
+    head->addWidget(Label4, 2, 0);
+    head->addWidget(lbArtName, 2, 1);
+    head->setColumnStretch(1, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(pbOk);
+    auto* layout = new QVBoxLayout(this);
+    lbMessage->setStyleSheet(QStringLiteral("font-weight: bold"));
+    layout->addWidget(lbMessage);
+    layout->addLayout(head);
+    layout->addWidget(Frame2);
+    layout->addLayout(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
 
     connect(opBehalten, &QRadioButton::clicked, this, &frmFehler::optionClicked);
     connect(opVerwerfen, &QRadioButton::clicked, this, &frmFehler::optionClicked);

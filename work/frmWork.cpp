@@ -435,7 +435,7 @@ void frmWork::pbNeu_Click()
 
 // ---------------------------------------------------------------- archive
 
-void frmWork::MakeArchive()
+std::string frmWork::MakeArchive()
 {
     try {
         const std::string dbName = fileNamePart(f_DBAuftrag.DbPath());
@@ -446,7 +446,7 @@ void frmWork::MakeArchive()
 
         if (!f_DBAuftrag.ReadAllDatInventurRec2Coll(f_collDatInventur)) {
             ui_.showError("frmWork.MakeArchive", f_DBAuftrag.LastError());
-            return;
+            return {};
         }
         TextFileWriter out(archive);
         CDatInventurRec* rec = nullptr;
@@ -455,9 +455,11 @@ void frmWork::MakeArchive()
             out.writeLine(rec->stMitarbNr + "," + rec->stAuftragsNr + "," + rec->Datum + "," + rec->Uhrzeit + "," +
                           rec->stRaum + "," + rec->stInvNr + "," + rec->stArtNr + "," + rec->stTaet);
         out.close();
+        return archive;
     } catch (const std::exception& e) {
         ui_.showError("frmWork.MakeArchive", e.what());
     }
+    return {};
 }
 
 } // namespace qi

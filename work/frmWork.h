@@ -59,7 +59,8 @@ public:
     /// "&Auswertung aktualisieren": clears the order's scan data and reads all data files again.
     void pbNeu_Click();
     /// Writes all scan lines of the order to "Inventur\<order>.dat" in the project folder.
-    void MakeArchive();
+    /// Answers the archive's path, or an empty text after the error message.
+    std::string MakeArchive();
 
     // ------------------------------------------------------------ evaluation, tally and lists
 

@@ -248,19 +248,19 @@ std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
 {
     const std::string native = nativePath(path);
     if (path.empty() || !fileExists(path))
-        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht gefunden werden.");
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht gefunden werden.");
     startEngine();
     sqlite3* raw = nullptr;
     const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
     const int rc = sqlite3_open_v2(native.c_str(), &raw, flags, nullptr);
     std::unique_ptr<Database> db(new Database(raw, path, readOnly));
     if (rc != SQLITE_OK)
-        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht geöffnet werden.");
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht geöffnet werden.");
     configure(raw);
     // Reading the schema tells a database file from any other file.
     const int check = sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
     if (check != SQLITE_OK)
-        throw DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + path + "'.");
+        throw DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + displayPath(path) + "'.");
     return db;
 }
 
@@ -274,7 +274,7 @@ std::unique_ptr<Database> Database::create(const std::string& path)
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     std::unique_ptr<Database> db(new Database(raw, path, false));
     if (rc != SQLITE_OK)
-        throw DbError(dberr::FileNotFound, "Die Datei '" + path + "' konnte nicht angelegt werden.");
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht angelegt werden.");
     configure(raw);
     return db;
 }
@@ -299,10 +299,10 @@ DbError Database::errorFor(int rc, std::string_view sql) const
                        "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return DbError(dberr::Locked, "Die Datei '" + path_ + "' ist bereits in Verwendung.");
+        return DbError(dberr::Locked, "Die Datei '" + displayPath(path_) + "' ist bereits in Verwendung.");
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
-        return DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + path_ + "'.");
+        return DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + displayPath(path_) + "'.");
     default:
         break;
     }

@@ -51,7 +51,18 @@ DbError unknownItem(const std::string& name)
     return DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + name + ").");
 }
 
-bool isOdbc(const std::string& connect) { return upper(connect).rfind("ODBC;", 0) == 0 || upper(connect) == "ODBC"; }
+std::shared_ptr<LinkSourceResolver>& resolverSlot()
+{
+    static std::shared_ptr<LinkSourceResolver> resolver;
+    return resolver;
+}
+
+/// The resolver's local file for the link, or empty when there is no resolver or it leaves the link alone.
+std::string resolvedFile(const TableLink& link)
+{
+    const std::shared_ptr<LinkSourceResolver> resolver = resolverSlot();
+    return resolver ? resolver->localFile(link) : std::string();
+}
 
 /// The DSN (or the whole string) of an ODBC connect string, for messages.
 std::string odbcSource(const std::string& connect)
@@ -74,9 +85,16 @@ std::string fileKey(const std::string& file)
 
 } // namespace
 
+bool isOdbcConnect(const std::string& connect)
+{
+    return upper(connect).rfind("ODBC;", 0) == 0 || upper(connect) == "ODBC";
+}
+
+void setLinkSourceResolver(std::shared_ptr<LinkSourceResolver> resolver) { resolverSlot() = std::move(resolver); }
+
 std::string connectDatabaseFile(const std::string& connect)
 {
-    if (isOdbc(connect))
+    if (isOdbcConnect(connect))
         return {};
     const std::string u = upper(connect);
     const auto p = u.find("DATABASE=");
@@ -133,17 +151,27 @@ void LinkedDatabase::setConnect(const std::string& name, const std::string& conn
 
 void LinkedDatabase::checkSource(const TableLink& link)
 {
-    if (isOdbc(link.connect))
+    const std::string local = resolvedFile(link);
+    if (local.empty() && isOdbcConnect(link.connect))
         throw DbError(linkerr::OdbcFailed, "ODBC-Verbindung zu '" + odbcSource(link.connect) + "' fehlgeschlagen.");
     const std::string file = connectDatabaseFile(link.connect);
-    if (file.empty())
+    if (local.empty() && file.empty())
         throw DbError(linkerr::IsamNotFound, "Installierbares ISAM nicht gefunden.");
-    auto source = Database::open(file, true);
+    auto source = Database::open(local.empty() ? file : local, true);
     if (!source->tableExists(link.sourceTable))
         throw DbError(linkerr::ObjectNotFound,
-                      "Das Objekt '" + link.sourceTable + "' wurde in der Datenbank '" + file +
+                      "Das Objekt '" + link.sourceTable + "' wurde in der Datenbank '" +
+                          (file.empty() ? odbcSource(link.connect) : file) +
                           "' nicht gefunden. Stellen Sie sicher, dass das Objekt existiert und dass Sie den Namen "
                           "richtig geschrieben haben.");
+}
+
+std::string LinkedDatabase::attachedFile(const TableLink& link)
+{
+    std::string file = resolvedFile(link);
+    if (file.empty())
+        file = connectDatabaseFile(link.connect);
+    return file.empty() || !fileExists(file) ? std::string() : file;
 }
 
 void LinkedDatabase::refreshLink(const std::string& name)
@@ -248,8 +276,8 @@ void LinkedDatabase::attachLinks(Database& conn, bool ownTablesFirst, LinkAttach
     std::vector<std::string> aliasOf;  // alias per link ("" = unresolved)
     std::vector<std::string> aliases;  // attached aliases in attach order
     for (const TableLink& link : all) {
-        const std::string file = connectDatabaseFile(link.connect);
-        if (file.empty() || !fileExists(file)) {
+        const std::string file = attachedFile(link);
+        if (file.empty()) {
             aliasOf.emplace_back();
             continue;
         }

@@ -39,6 +39,24 @@ struct TableLink {
 /// The Jet file that a connect string names (";DATABASE=<file>"), or empty
 /// for ODBC and other connect strings.
 std::string connectDatabaseFile(const std::string& connect);
+/// True for an ODBC connect string ("ODBC;DSN=..." or "ODBC;DRIVER=...").
+bool isOdbcConnect(const std::string& connect);
+
+/// Reads the sources of links that can't be attached as they stand (another engine's files,
+/// ODBC sources) through SQLite files of their own. Without one, a link's ";DATABASE=" file
+/// is attached as it stands and an ODBC source can't be read.
+class LinkSourceResolver {
+public:
+    virtual ~LinkSourceResolver() = default;
+    /// The SQLite file that holds the link's source table under its name: a local copy of the
+    /// source, or empty when the link is left to the default rules. Throws DbError when the
+    /// source can't be read.
+    virtual std::string localFile(const TableLink& link) = 0;
+};
+
+/// Sets the resolver that every linked database of the program uses from now on, as the
+/// engine's drivers for other kinds of sources are set once for the program (null: none).
+void setLinkSourceResolver(std::shared_ptr<LinkSourceResolver> resolver);
 
 /// The links of a linked database made usable on another connection for a while
 /// (see LinkedDatabase::attachTo); releasing it drops the views and detaches the files.
@@ -77,8 +95,8 @@ public:
     void setConnect(const std::string& name, const std::string& connect);
     /// Checks that the source file and table of the link (with a connect string
     /// set before) exist and stores the link. DbError 3024 (file), 3011 (table),
-    /// 3151 (ODBC), 3170 (unknown connect) or 3265 (unknown link); the stored link
-    /// is then unchanged.
+    /// 3151 (ODBC source not readable), 3170 (unknown connect), 3265 (unknown link) or the
+    /// resolver's error; the stored link is then unchanged.
     void refreshLink(const std::string& name);
     /// Appends a new link after checking its source like refreshLink; DbError 3012
     /// when the name is taken.
@@ -99,11 +117,12 @@ public:
     std::string querySqlite(const std::string& name);
 
     /// A new connection to the file for statements and reports: the source files
-    /// of the Jet links are attached, every link's table is reachable under the
+    /// of the Jet links are attached (or the local files the link source resolver
+    /// answers for them), every link's table is reachable under the
     /// link's name (read and write when the link's name is its source table's,
     /// read-only otherwise), and every stored query is a view of its name.
     /// Links whose source is missing or not a Jet file stay unresolved: a
-    /// statement that uses them fails with DbError 3078.
+    /// statement that uses them fails with DbError 3078. The resolver's errors are raised.
     std::unique_ptr<Database> openForStatements();
     /// Makes the links usable on `conn`, another database's connection, as openForStatements
     /// does on a connection of its own: the link sources are attached (a source that is `conn`'s
@@ -121,6 +140,9 @@ private:
     explicit LinkedDatabase(std::unique_ptr<Database> db) : db_(std::move(db)) {}
     /// Raises the error for a link source that can't be used.
     static void checkSource(const TableLink& link);
+    /// The SQLite file to attach for a link: the resolver's local file, else the link's Jet
+    /// file when it exists; empty when the link stays unresolved.
+    static std::string attachedFile(const TableLink& link);
     std::unique_ptr<Database> db_;
     /// Connect strings set but not yet refreshed, by lower-case link name.
     std::vector<TableLink> pending_;

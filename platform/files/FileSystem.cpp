@@ -26,6 +26,47 @@ std::string systemPath(const std::string& native)
     return r;
 }
 
+std::string displayPath(const std::string& path)
+{
+#ifdef _WIN32
+    constexpr char sep = '\\';
+#else
+    constexpr char sep = '/';
+#endif
+    std::string r;
+    r.reserve(path.size());
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        const char c = path[i];
+        if (c != '\\' && c != '/') {
+            r += c;
+            continue;
+        }
+        // A network path keeps its two leading separators.
+        if (i > 1 && !r.empty() && r.back() == sep)
+            continue;
+        r += sep;
+    }
+    return r;
+}
+
+bool isAbsolutePath(const std::string& path)
+{
+    if (path.empty())
+        return false;
+    if (path[0] == '\\' || path[0] == '/')
+        return true;
+    const unsigned char drive = static_cast<unsigned char>(path[0]);
+    return path.size() >= 2 && path[1] == ':' && ((drive >= 'A' && drive <= 'Z') || (drive >= 'a' && drive <= 'z'));
+}
+
+std::string resolvePath(const std::string& folder, const std::string& path)
+{
+    if (path.empty() || isAbsolutePath(path) || folder.empty())
+        return path;
+    const char last = folder.back();
+    return folder + (last == '\\' || last == '/' ? "" : "\\") + path;
+}
+
 bool fileExists(const std::string& path)
 {
     std::error_code ec;

@@ -13,6 +13,13 @@ namespace qi {
 std::string nativePath(const std::string& path);
 /// The system's form of a native path (separators become backslashes).
 std::string systemPath(const std::string& native);
+/// A path as a person reads it: one kind of separator (the platform's), a doubled
+/// separator inside the path written once.
+std::string displayPath(const std::string& path);
+/// True for a path that names its place from a root: a leading separator or a drive ("C:").
+bool isAbsolutePath(const std::string& path);
+/// `path` itself when absolute, otherwise `path` below `folder` (joined with a backslash).
+std::string resolvePath(const std::string& folder, const std::string& path);
 
 bool fileExists(const std::string& path);   ///< a regular file
 bool folderExists(const std::string& path); ///< a directory

@@ -59,7 +59,8 @@ void QTreeGebStruCtrl::SetGebStruktur(const GebStruktur& structure)
         else
             addTopLevelItem(own->second);
     }
-    expandToDepth(0);
+    // Sites and buildings open, so that the floors are in view.
+    expandToDepth(1);
 }
 
 std::optional<GebNode> QTreeGebStruCtrl::SelectedNode() const

@@ -1,6 +1,7 @@
 #include "QuarnHost.h"
 
 #include "Database.h"
+#include "HostMirror.h"
 
 namespace qi {
 
@@ -11,22 +12,14 @@ constexpr const char* kOpenFailed = "Die Quarn-Datenbank konnte nicht geöffnet 
 /// Asked before a successful open.
 constexpr const char* kNotOpen = "Die Quarn-Datenbank ist nicht geöffnet.";
 
-/// A database argument that names a connection ("DSN=...;UID=...") rather than a file.
-bool isConnectionString(const std::string& database)
-{
-    return database.find('=') != std::string::npos;
-}
-
-/// Opens a Quarn file read-only; on failure sets `error` and answers null.
-std::unique_ptr<Database> openHostFile(const std::string& database, std::string& error)
+/// Opens the mirror of a Quarn source read-only (made first when there is none or the file
+/// changed); on failure sets `error` and answers null.
+std::unique_ptr<Database> openHost(const std::string& appFolder, const HostSource& source, std::string& error)
 {
     error.clear();
-    if (isConnectionString(database)) {
-        error = kOdbcNotSupported;
-        return nullptr;
-    }
     try {
-        return Database::open(database, true);
+        HostMirror mirror(HostMirror::defaultCacheFolder(), appFolder);
+        return Database::open(mirror.mirrorFor(source), true);
     } catch (const DbError& e) {
         error = std::string(kOpenFailed) + "\r\n" + e.description();
     }
@@ -72,15 +65,16 @@ void readRooms(Statement& st, std::vector<GebRoom>& rooms)
 QGebDb::QGebDb() = default;
 QGebDb::~QGebDb() = default;
 
-bool QGebDb::Open(const std::string& /*appFolder*/, const std::string& database)
+bool QGebDb::Open(const std::string& appFolder, const HostSource& database)
 {
-    geb_ = openHostFile(database, lastError_);
+    appFolder_ = appFolder;
+    geb_ = openHost(appFolder, database, lastError_);
     return geb_ != nullptr;
 }
 
-bool QGebDb::OpenObjects(const std::string& database, const std::string& tablePrefix)
+bool QGebDb::OpenObjects(const HostSource& database, const std::string& tablePrefix)
 {
-    obj_ = openHostFile(database, lastError_);
+    obj_ = openHost(appFolder_, database, lastError_);
     prefix_ = tablePrefix;
     return obj_ != nullptr;
 }
@@ -181,9 +175,9 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
 QObjektDb::QObjektDb() = default;
 QObjektDb::~QObjektDb() = default;
 
-bool QObjektDb::Open(const std::string& /*appFolder*/, const std::string& database)
+bool QObjektDb::Open(const std::string& appFolder, const HostSource& database)
 {
-    db_ = openHostFile(database, lastError_);
+    db_ = openHost(appFolder, database, lastError_);
     return db_ != nullptr;
 }
 
@@ -225,9 +219,9 @@ QObjektDb::LookupBatch::~LookupBatch()
 QArtikelDb::QArtikelDb() = default;
 QArtikelDb::~QArtikelDb() = default;
 
-bool QArtikelDb::Open(const std::string& /*appFolder*/, const std::string& database)
+bool QArtikelDb::Open(const std::string& appFolder, const HostSource& database)
 {
-    db_ = openHostFile(database, lastError_);
+    db_ = openHost(appFolder, database, lastError_);
     return db_ != nullptr;
 }
 

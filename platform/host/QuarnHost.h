@@ -2,11 +2,13 @@
 // Quarn's host components as the system uses them: the building database
 // component (structure tree, rooms, the objects standing in a room), the object
 // component (lookup by inventory number) and the article component (lookup by
-// article number). They only read Quarn's databases, never write them.
-// For Jet projects the database argument of Open is the path of a Quarn file;
-// for ODBC projects it is the connection string.
+// article number). They only read Quarn's databases, never write them: every
+// query runs on the local mirror of the source (see HostMirror.h), where text
+// compares as Jet compares it and the joined columns are indexed. For Jet
+// projects the source is a Quarn file, for ODBC projects the connection string.
 
 #include "Database.h"
+#include "HostSource.h"
 
 #include <cstdint>
 #include <memory>
@@ -15,9 +17,6 @@
 #include <vector>
 
 namespace qi {
-
-/// LastError of an Open whose database argument is a connection string ("DSN=...").
-inline constexpr const char* kOdbcNotSupported = "ODBC-Projekte werden noch nicht unterstützt.";
 
 /// A node of the building structure (T_Gebstru).
 struct GebNode {
@@ -60,12 +59,19 @@ class QGebDb {
 public:
     QGebDb();
     ~QGebDb();
-    /// Opens with the program folder and the building database (Jet file path or ODBC string), read-only.
-    /// False with LastError set when that fails; a connection string (any argument holding "=")
-    /// fails with kOdbcNotSupported.
-    bool Open(const std::string& appFolder, const std::string& database);
-    /// The object database file that the per-room object query reads (the module's file), and the module's table prefix.
-    bool OpenObjects(const std::string& database, const std::string& tablePrefix);
+    /// Opens with the program folder and the building database (a file or a server), read-only,
+    /// through the source's mirror. False with LastError set when that fails.
+    bool Open(const std::string& appFolder, const HostSource& database);
+    /// The same for a Quarn database file.
+    bool Open(const std::string& appFolder, const std::string& file) { return Open(appFolder, HostSource::file(file)); }
+    /// The object database that the per-room object query reads (the module's file or the server), and the
+    /// module's table prefix. False with LastError set when it can't be opened.
+    bool OpenObjects(const HostSource& database, const std::string& tablePrefix);
+    /// The same for the module's object database file.
+    bool OpenObjects(const std::string& file, const std::string& tablePrefix)
+    {
+        return OpenObjects(HostSource::file(file), tablePrefix);
+    }
     const std::string& LastError() const { return lastError_; }
     /// True after a successful Open.
     bool IsOpen() const;
@@ -85,6 +91,7 @@ private:
     Database& building();
     std::unique_ptr<Database> geb_;
     std::unique_ptr<Database> obj_;
+    std::string appFolder_;
     std::string prefix_;
     std::string lastError_;
 };
@@ -94,7 +101,10 @@ class QObjektDb {
 public:
     QObjektDb();
     ~QObjektDb();
-    bool Open(const std::string& appFolder, const std::string& database);
+    /// Opens the module's object database (a file or a server) through its mirror; false with LastError set.
+    bool Open(const std::string& appFolder, const HostSource& database);
+    /// The same for the module's object database file.
+    bool Open(const std::string& appFolder, const std::string& file) { return Open(appFolder, HostSource::file(file)); }
     /// "T_I", "T_T" or "T_B".
     void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
     const std::string& LastError() const { return lastError_; }
@@ -128,7 +138,10 @@ class QArtikelDb {
 public:
     QArtikelDb();
     ~QArtikelDb();
-    bool Open(const std::string& appFolder, const std::string& database);
+    /// Opens the module's object database (a file or a server) through its mirror; false with LastError set.
+    bool Open(const std::string& appFolder, const HostSource& database);
+    /// The same for the module's object database file.
+    bool Open(const std::string& appFolder, const std::string& file) { return Open(appFolder, HostSource::file(file)); }
     void SetTablePrefix(const std::string& prefix) { prefix_ = prefix; }
     const std::string& LastError() const { return lastError_; }
     /// True after a successful Open.

@@ -28,6 +28,27 @@ QString displayText(const std::string& text)
     return s;
 }
 
+/// Puts a shown progress dialog aside while a dialog of its own waits for the user: the
+/// progress dialog is modal too and would otherwise block the question behind it.
+class ProgressAside {
+public:
+    explicit ProgressAside(QProgressDialog* progress) : progress_(progress && progress->isVisible() ? progress : nullptr)
+    {
+        if (progress_)
+            progress_->hide();
+    }
+    ~ProgressAside()
+    {
+        if (progress_)
+            progress_->show();
+    }
+    ProgressAside(const ProgressAside&) = delete;
+    ProgressAside& operator=(const ProgressAside&) = delete;
+
+private:
+    QPointer<QProgressDialog> progress_;
+};
+
 } // namespace
 
 QStringList qtNameFilters(const std::string& filter)
@@ -49,10 +70,20 @@ QStringList qtNameFilters(const std::string& filter)
     return out;
 }
 
+QWidget* QtUserInteraction::dialogParent() const
+{
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    return parent_;
+}
+
 MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                                         const std::string& title)
 {
-    QMessageBox box(parent_);
+    const ProgressAside aside(progress_);
+    QMessageBox box(dialogParent());
     box.setWindowTitle(QString::fromStdString(title));
     box.setText(displayText(text));
     switch (icon) {
@@ -83,9 +114,12 @@ MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons butt
 
 std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& request)
 {
-    QFileDialog dialog(parent_, QString::fromStdString(request.title),
+    const ProgressAside aside(progress_);
+    QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
+    // Wide enough for the columns of the file list.
+    dialog.resize(820, 520);
     const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
@@ -134,11 +168,12 @@ bool QtUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     if (!conflictDialog_)
         return false;
+    const ProgressAside aside(progress_);
     // The busy pointer would hide that the dialog waits for a choice.
     const bool wasBusy = busyDepth_ > 0;
     if (wasBusy)
         QApplication::setOverrideCursor(Qt::ArrowCursor);
-    const bool verwerfen = conflictDialog_(parent_, info);
+    const bool verwerfen = conflictDialog_(dialogParent(), info);
     if (wasBusy)
         QApplication::restoreOverrideCursor();
     return verwerfen;
@@ -160,13 +195,17 @@ void QtUserInteraction::beginProgress(const std::string& title)
 {
     if (progressDepth_++ > 0)
         return;
-    progress_ = new QProgressDialog(parent_);
+    progress_ = new QProgressDialog(dialogParent());
     progress_->setWindowTitle(QString::fromStdString(title));
     progress_->setCancelButton(nullptr);
     progress_->setRange(0, 0);
     progress_->setWindowModality(Qt::WindowModal);
     progress_->setAutoClose(false);
     progress_->setAutoReset(false);
+    progress_->setMinimumWidth(420);
+    // Shown by the first report only: the dialog's own timer would show it after a few seconds
+    // also while a question waits in front of it, and block that question.
+    progress_->reset();
 }
 
 void QtUserInteraction::reportProgress(const std::string& fileName, std::int64_t linesRead)
@@ -201,8 +240,10 @@ void QtUserInteraction::reportStep(const std::string& step, std::int64_t done, s
 void QtUserInteraction::showReport(const std::string& reportFile, const std::string& dataFile,
                                    const std::string& title)
 {
-    if (reportViewer_)
-        reportViewer_(parent_, reportFile, dataFile, title);
+    if (!reportViewer_)
+        return;
+    const ProgressAside aside(progress_);
+    reportViewer_(dialogParent(), reportFile, dataFile, title);
 }
 
 void QtUserInteraction::endProgress()

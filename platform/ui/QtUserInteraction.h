@@ -18,9 +18,12 @@ QStringList qtNameFilters(const std::string& filter);
 
 class QtUserInteraction : public UserInteraction {
 public:
-    /// `parent` owns the dialogs (may be null).
+    /// `parent` owns the dialogs while none of the program's windows is active (may be null).
     explicit QtUserInteraction(QWidget* parent = nullptr) : parent_(parent) {}
     void setParent(QWidget* parent) { parent_ = parent; }
+    /// The window a dialog opens over: the modal dialog in front, else the active window of
+    /// the program, else the parent given.
+    QWidget* dialogParent() const;
 
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;

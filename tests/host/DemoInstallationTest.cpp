@@ -133,6 +133,20 @@ TEST(DemoInstallation, QuarnIniNamesTheProject)
     EXPECT_EQ(readProfileValue(a.file("Quarn.ini"), "Quarn", "Projekt", ""), "/pfad/zum/Demo");
 }
 
+TEST(DemoInstallation, ProjectValueIsRelativeToTheProfileFilesFolder)
+{
+    EXPECT_EQ(demo::projectValueFor("/prog/bin/Quarn.ini", "/prog/bin/Demo"), "Demo");
+    EXPECT_EQ(demo::projectValueFor("/prog/bin/Quarn.ini", "/prog/bin/Demo/"), "Demo");
+    EXPECT_EQ(demo::projectValueFor("/prog/bin/Quarn.ini", "/prog/Projekte/Demo"), "..\\Projekte\\Demo");
+    EXPECT_EQ(demo::projectValueFor("/prog/bin/Quarn.ini", "/prog/bin/./Demo/../Demo"), "Demo");
+}
+
+TEST(DemoInstallation, BuildsProfileFileNamesTheDemoRelativeToTheProgramFolder)
+{
+    // The build generated it; the program never writes it.
+    EXPECT_EQ(readProfileValue(std::string(QI_PROGRAM_DIR) + "/Quarn.ini", "Quarn", "Projekt", ""), "Demo");
+}
+
 class ScannerFilesTest : public ::testing::Test {
 protected:
     void SetUp() override

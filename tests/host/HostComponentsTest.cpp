@@ -1,6 +1,7 @@
 // The host components answer from a small generated installation, for all three modules.
 
 #include "DemoInstallation.h"
+#include "FileSystem.h"
 #include "QuarnHost.h"
 #include "TestSupport.h"
 
@@ -312,37 +313,103 @@ INSTANTIATE_TEST_SUITE_P(Modules, HostModuleTest, ::testing::Values(0, 1, 2));
 
 // ------------------------------------------------------------------ failures
 
-TEST_F(HostTest, ConnectionStringIsRefusedWithoutACrash)
+TEST_F(HostTest, UnknownServerFailsWithTheMessageAndWithoutACrash)
 {
+    const std::string unreachable = "Die Quarn-Datenbank konnte nicht geöffnet werden!\r\nDie Quarn-Datenbank auf "
+                                    "dem Server ist nicht erreichbar (DSN=Quarn;UID=sa;PWD=***).";
     QGebDb geb;
-    EXPECT_FALSE(geb.Open("app", "DSN=Quarn;UID=sa;PWD=x"));
-    EXPECT_EQ(geb.LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
+    EXPECT_FALSE(geb.Open("app", HostSource::odbc("DSN=Quarn;UID=sa;PWD=x")));
+    EXPECT_EQ(geb.LastError().rfind(unreachable, 0), 0u) << geb.LastError();
     EXPECT_FALSE(geb.IsOpen());
     EXPECT_FALSE(geb.GetGebStruktur(1).has_value());
     std::vector<GebRoom> rooms;
     EXPECT_FALSE(geb.GetAllRooms(rooms));
-    EXPECT_EQ(geb.LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
     EXPECT_FALSE(geb.GetRoomsOfNode(1, rooms));
-    EXPECT_FALSE(geb.OpenObjects("DSN=Quarn", "T_I"));
+    EXPECT_FALSE(geb.OpenObjects(HostSource::odbc("ODBC;DSN=Quarn;UID=sa;PWD=x"), "T_I"));
     std::vector<RoomObject> objects;
     EXPECT_FALSE(geb.GetObjectsOfRoom(1, objects));
-    EXPECT_EQ(geb.LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
 
     QObjektDb obj;
-    EXPECT_FALSE(obj.Open("app", "ODBC;DSN=Quarn"));
-    EXPECT_EQ(obj.LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
+    EXPECT_FALSE(obj.Open("app", HostSource::odbc("ODBC;DSN=Quarn;UID=sa;PWD=x")));
+    EXPECT_EQ(obj.LastError().rfind("Die Quarn-Datenbank konnte nicht geöffnet werden!\r\nDie Quarn-Datenbank auf dem "
+                                    "Server ist nicht erreichbar (ODBC;DSN=Quarn;UID=sa;PWD=***).\r\n",
+                                    0),
+              0u)
+        << obj.LastError();
     EXPECT_FALSE(obj.IsOpen());
-    try {
-        obj.FindByInvNr("100001");
-        FAIL() << "no error";
-    } catch (const DbError& e) {
-        EXPECT_EQ(e.description(), "ODBC-Projekte werden noch nicht unterstützt.");
-    }
+    EXPECT_THROW(obj.FindByInvNr("100001"), DbError);
 
     QArtikelDb art;
-    EXPECT_FALSE(art.Open("app", "DSN=Quarn"));
-    EXPECT_EQ(art.LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
+    EXPECT_FALSE(art.Open("app", HostSource::odbc("DSN=Quarn;UID=sa;PWD=x")));
     EXPECT_THROW(art.FindDescription("A1"), DbError);
+}
+
+TEST_F(HostTest, FolderWhosePathHoldsAnEqualsSignIsAFolderLikeAnyOther)
+{
+    const std::string folder = dir_->path() + "/Projekt=Nord;DSN=x";
+    ASSERT_TRUE(createFolder(folder));
+    for (const char* name : {"QGebaeude.mdb", "QOvInventar.mdb"})
+        ASSERT_TRUE(copyFile(file(name), folder + "/" + name));
+    QGebDb geb;
+    ASSERT_TRUE(geb.Open("app", folder + "\\QGebaeude.mdb")) << geb.LastError();
+    std::vector<GebRoom> rooms;
+    ASSERT_TRUE(geb.GetAllRooms(rooms));
+    EXPECT_EQ(rooms.size(), inst().rooms.size());
+    QObjektDb obj;
+    ASSERT_TRUE(obj.Open("app", folder + "\\QOvInventar.mdb")) << obj.LastError();
+    EXPECT_TRUE(obj.FindByInvNr(inst().modules[0].objects.front().name).has_value());
+}
+
+/// Quarn's files as Quarn writes them: no comparison of ours on the text columns, no indexes.
+void dropOurComparison(const std::string& file)
+{
+    auto db = Database::open(file);
+    const Recordset tables = db->query("SELECT name FROM sqlite_master WHERE type = 'table'");
+    for (const auto& row : tables.rows()) {
+        const std::string t = toText(row[0]);
+        db->executeScript("ALTER TABLE " + t + " RENAME TO alt; CREATE TABLE " + t + " AS SELECT * FROM alt; "
+                          "DROP TABLE alt;");
+    }
+    EXPECT_EQ(toLong(db->scalar("SELECT count(*) FROM sqlite_master WHERE sql LIKE '%COLLATE%'")), 0);
+}
+
+TEST_F(HostTest, LookupsIgnoreLetterCaseAndTrailingBlanksInQuarnsOwnFiles)
+{
+    const std::string folder = dir_->path() + "/Quarn";
+    ASSERT_TRUE(createFolder(folder));
+    for (const char* name : {"QGebaeude.mdb", "QOvTechnik.mdb"}) {
+        ASSERT_TRUE(copyFile(file(name), folder + "/" + name));
+        dropOurComparison(folder + "/" + name);
+    }
+    const demo::Object& o = inst().modules[1].objects[1];
+    const demo::Article* a = inst().modules[1].articleOf(o);
+    ASSERT_NE(a, nullptr);
+    std::string lower = o.name + "  ";
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    ASSERT_NE(lower.substr(0, o.name.size()), o.name) << "the number needs letters";
+
+    QObjektDb obj;
+    ASSERT_TRUE(obj.Open("app", folder + "/QOvTechnik.mdb")) << obj.LastError();
+    obj.SetTablePrefix("T_T");
+    const auto found = obj.FindByInvNr(lower);
+    ASSERT_TRUE(found.has_value());
+    EXPECT_EQ(found->stArtNr, a->artNr);
+    EXPECT_EQ(found->stArtName, a->name);
+
+    std::string article = a->artNr + " ";
+    std::transform(article.begin(), article.end(), article.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    QArtikelDb art;
+    ASSERT_TRUE(art.Open("app", folder + "/QOvTechnik.mdb"));
+    art.SetTablePrefix("T_T");
+    EXPECT_EQ(art.FindDescription(article), a->name);
+
+    // The objects of a room come from the mirror's index on the room, whatever the file holds.
+    QGebDb geb;
+    ASSERT_TRUE(geb.Open("app", folder + "/QGebaeude.mdb"));
+    ASSERT_TRUE(geb.OpenObjects(folder + "/QOvTechnik.mdb", "T_T"));
+    std::vector<RoomObject> objects;
+    ASSERT_TRUE(geb.GetObjectsOfRoom(o.gebstruId, objects)) << geb.LastError();
+    EXPECT_EQ(objects.size(), inst().objectsOfRoom(1, o.gebstruId).size());
 }
 
 TEST_F(HostTest, MissingFileFailsWithTheEnginesDescription)

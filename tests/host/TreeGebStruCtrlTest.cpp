@@ -55,6 +55,26 @@ TEST_F(TreeTest, ShowsSitesBuildingsAndFloorsButNoRooms)
     EXPECT_EQ(floor->parent()->parent(), tree.topLevelItem(0));
 }
 
+TEST_F(TreeTest, SitesAndBuildingsAreOpenSoThatTheFloorsAreInView)
+{
+    QTreeGebStruCtrl tree;
+    tree.SetGebStruktur(structure);
+    int floors = 0;
+    for (QTreeWidgetItemIterator it(&tree); *it; ++it) {
+        const int typ = QTreeGebStruCtrl::NodeOfItem(*it).byTyp;
+        if (typ == 1 || typ == 2) {
+            EXPECT_TRUE((*it)->isExpanded()) << (*it)->text(0).toStdString();
+        }
+        if (typ == 3) {
+            ++floors;
+            // Every ancestor of a floor is open.
+            for (const QTreeWidgetItem* p = (*it)->parent(); p; p = p->parent())
+                EXPECT_TRUE(p->isExpanded());
+        }
+    }
+    EXPECT_GT(floors, 1);
+}
+
 TEST_F(TreeTest, RoomsCanBeShownToo)
 {
     QTreeGebStruCtrl tree;

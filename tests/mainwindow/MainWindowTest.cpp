@@ -2,6 +2,10 @@
 // new and deleted orders, opening an order, help and the About box.
 
 #include "ProjectFixture.h"
+#include "ScriptedMain.h"
+
+#include "ProgramWindows.h"
+#include "Screenshots.h"
 
 #include "CInventurDb.h"
 #include "FileSystem.h"
@@ -16,6 +20,8 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QPointer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -33,50 +39,6 @@ namespace fs = std::filesystem;
 
 QApplication& app() { return test::qtApplication(); }
 
-/// The main window with the user's part in its modal dialogs played from a script.
-class ScriptedMain : public frmMain {
-public:
-    using frmMain::frmMain;
-    std::deque<std::function<void(QDialog&)>> script;
-    std::vector<std::string> dialogs;
-    std::string aboutVersion, aboutButton, aboutLine;
-
-protected:
-    void runModal(QDialog& dialog) override
-    {
-        dialogs.push_back(dialog.windowTitle().toStdString());
-        if (auto* about = dynamic_cast<frmAbout*>(&dialog)) {
-            aboutVersion = about->txVersion->text().toStdString();
-            aboutButton = about->pbOk->text().toStdString();
-            aboutLine = about->lbTitel->text().toStdString();
-            about->pbOk->click();
-            return;
-        }
-        if (script.empty()) {
-            dialog.reject();
-            return;
-        }
-        auto step = script.front();
-        script.pop_front();
-        step(dialog);
-    }
-};
-
-std::function<void(QDialog&)> enter(const std::string& name, const std::string& person = "Meier")
-{
-    return [=](QDialog& d) {
-        auto& f = dynamic_cast<frmAufNeu&>(d);
-        f.txName->setText(QString::fromStdString(name));
-        f.edPerson->setText(QString::fromStdString(person));
-        f.pbOk->click();
-    };
-}
-
-std::function<void(QDialog&)> cancel()
-{
-    return [](QDialog& d) { dynamic_cast<frmAufNeu&>(d).pbCancel->click(); };
-}
-
 class MainWindowTest : public ProjectFixture {
 protected:
     void SetUp() override
@@ -84,6 +46,7 @@ protected:
         app();
         ProjectFixture::SetUp();
         window = std::make_unique<ScriptedMain>(ui, programDir);
+        connectWindows(*window);
     }
     void TearDown() override { window.reset(); }
 
@@ -413,7 +376,7 @@ TEST_F(MainWindowTest, OpeningAnOrderOpensItsDatabaseRelinksAndShowsTheWorkWindo
 
     // Closing the work window closes the order database; the next paint releases it.
     work->close();
-    EXPECT_TRUE(work->bFinished);
+    EXPECT_TRUE(work->f_bReload);
     EXPECT_TRUE(window->isActiveState());
     ASSERT_NE(window->orderDb(), nullptr);
     EXPECT_FALSE(window->orderDb()->isOpen());
@@ -490,6 +453,9 @@ TEST_F(MainWindowTest, OrderWithoutItsDatabaseFileReportsTheOpenError)
     window->lvAuftraege_DblClick();
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text.rfind("frmMain.lvAuftraege_DblClick\r\nDie Datenbank ", 0), 0u) << ui.messages[0].text;
+    // The path the person reads has one kind of separator.
+    EXPECT_NE(ui.messages[0].text.find(displayPath(orderFile("Alpha"))), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].text.find('\\'), std::string::npos) << ui.messages[0].text;
     EXPECT_EQ(window->workWindow(), nullptr);
     EXPECT_TRUE(window->isActiveState());
 }
@@ -595,11 +561,48 @@ TEST_F(MainWindowTest, UnloadWritesTheCurrentOrderBackAndReportsFailure)
     select("Alpha");
     window->lvAuftraege_DblClick();
     ASSERT_TRUE(ui.messages.empty());
+    QPointer<OrderWindow> work = window->workWindow();
+    ASSERT_NE(work, nullptr);
+    const JetDate opened = window->currentOrder()->letzte_Aenderung;
+
+    // Someone changed the row behind the window's back: the unload writes the record back over it.
+    {
+        CInventurDb reg;
+        reg.setDbPath(projectDir + "QInventur.mdb");
+        ASSERT_TRUE(reg.OpenDb());
+        CAuftragRec rec = registerRows().at(0);
+        rec.letzte_Aenderung = JetDate::fromParts(2001, 2, 3, 4, 5, 6);
+        rec.stErsteller = "Fremd";
+        ASSERT_TRUE(reg.EditAuftragRec(&rec));
+    }
+    window->currentOrder()->stErsteller = "Meier-Schulz";
     window->close();
     EXPECT_TRUE(ui.messages.empty());
+    const auto rows = registerRows();
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].stErsteller, "Meier-Schulz");
+    EXPECT_EQ(rows[0].letzte_Aenderung, opened);
+    // Everything was released, the work window closed its order first.
     EXPECT_EQ(window->orderDb(), nullptr);
     EXPECT_EQ(window->inventurDb(), nullptr);
+    EXPECT_EQ(window->gebDb(), nullptr);
     EXPECT_EQ(window->workWindow(), nullptr);
+    ASSERT_NE(work, nullptr); // goes with the next turn of the event loop
+    EXPECT_TRUE(work->f_bReload);
+    EXPECT_FALSE(work->isVisible());
+
+    // A write-back that fails is reported, and the unload stops there.
+    auto second = std::make_unique<ScriptedMain>(ui, programDir);
+    connectWindows(*second);
+    second->Form_Load();
+    ASSERT_TRUE(ui.messages.empty());
+    second->inventurDb()->CloseDb();
+    second->close();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    expectMessage(0, "frmMain.Form_Unload\r\nDer Datensatz konnte nicht aktualisiert werden!", MsgButtons::Ok,
+                  MsgIcon::Critical, "QInventur");
+    EXPECT_NE(second->inventurDb(), nullptr);
+    EXPECT_NE(second->gebDb(), nullptr);
 }
 
 TEST_F(MainWindowTest, UnloadWithAClosedRegisterReportsTheFailure)
@@ -666,13 +669,16 @@ TEST_F(MainWindowTest, ScreenshotRendersOffscreen)
     newOrder("Erdgeschoss Nord", "Meier");
     newOrder("Lager Süd", "Schulz");
     window->show();
-    QApplication::processEvents();
-    const QPixmap shot = window->grab();
+    const QImage shot = screenshot(*window, QStringLiteral("frmMain"));
     ASSERT_FALSE(shot.isNull());
-    // Kept beside the test program, so that a person can look at it after the run.
-    const QString file = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("frmMain.png"));
-    ASSERT_TRUE(shot.save(file, "PNG"));
-    EXPECT_GT(fs::file_size(file.toStdString()), 1000u);
+    EXPECT_EQ(shot.size(), window->size() * window->devicePixelRatio());
+    // Drawn: more than a background and a frame.
+    EXPECT_GT(colourCount(shot), 20);
+    const QStringList texts = visibleTexts(*window);
+    for (const char* t : {"&Datei", "&?", "Name", "erstellt", "geändert", "Ersteller", "Erdgeschoss Nord", "Lager Süd",
+                          "Meier", "Schulz", "Öffnen mit Doppelklick"})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(t))) << t;
+    EXPECT_TRUE(QFileInfo::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/screenshots/frmMain.png")));
 }
 
 } // namespace

@@ -65,9 +65,14 @@ TEST_F(ReportLinksTest, NewReportDatabaseHoldsEveryLinkAndBothQueries)
 
 TEST_F(ReportLinksTest, BuildMadeTheReportDatabaseOfTheProgramFolder)
 {
-    const std::string built = std::string(QI_PROGRAM_DIR) + "/QInventurRpt.mdb";
-    ASSERT_TRUE(fileExists(built));
-    auto db = LinkedDatabase::open(built);
+    // The program folder's copy changes as the program opens orders there; the made one stays.
+    ASSERT_TRUE(fileExists(std::string(QI_PROGRAM_DIR) + "/QInventurRpt.mdb"));
+    const std::string made = QI_MADE_REPORT_DB;
+    ASSERT_TRUE(fileExists(made));
+    // Read from a copy, so that not even a reading lock touches the build's file.
+    const std::string copy = root.file("made.mdb");
+    ASSERT_TRUE(copyFile(made, copy));
+    auto db = LinkedDatabase::open(copy);
     EXPECT_EQ(db->links().size(), 15u);
     EXPECT_EQ(db->connect("T_Raumkern"), ";DATABASE=QGebaeude.mdb");
 }
@@ -170,8 +175,9 @@ TEST_F(ReportLinksTest, MissingOrderFileFailsTheRefresh)
 {
     EXPECT_FALSE(CheckReportMdbLink(settings, projectDir + "Inventur\\Fehlt.mdb", ui));
     ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0].text, "COVRpt.CheckReportMdbLink\r\nDie Datei '" + projectDir +
-                                       "Inventur\\Fehlt.mdb' konnte nicht gefunden werden.");
+    // The path as a person reads it, with one kind of separator.
+    EXPECT_EQ(ui.messages[0].text, "COVRpt.CheckReportMdbLink\r\nDie Datei '" + displayPath(projectDir + "Inventur\\Fehlt.mdb") +
+                                       "' konnte nicht gefunden werden.");
     EXPECT_EQ(link("t_Artikelliste"), ";DATABASE=QAuftrag.mdb");
 }
 
@@ -184,14 +190,20 @@ TEST_F(ReportLinksTest, MissingReportDatabaseIsAnError)
     EXPECT_FALSE(fileExists(reportDb));
 }
 
-TEST_F(ReportLinksTest, OdbcProjectPointsTheHostLinksAtTheConnectionString)
+TEST_F(ReportLinksTest, OdbcProjectWhoseServerIsOutOfReachKeepsItsHostLinks)
 {
     settings.gstProjekttyp = "ptODBC";
-    settings.gstConnectionString = "ODBC;DSN=QuarnSql";
+    settings.gstConnectionString = "ODBC;DSN=QuarnSql;PWD=geheim";
     EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
     ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0].text, "COVRpt.CheckReportMdbLink\r\nODBC-Verbindung zu 'QuarnSql' fehlgeschlagen.");
+    EXPECT_EQ(ui.messages[0].text.rfind("COVRpt.CheckReportMdbLink\r\nDie Quarn-Datenbank auf dem Server ist nicht "
+                                        "erreichbar (ODBC;DSN=QuarnSql;PWD=***).\r\n",
+                                        0),
+              0u)
+        << ui.messages[0].text;
     EXPECT_EQ(link("T_Auftrag"), ";DATABASE=" + orderA);
+    EXPECT_EQ(link("T_IObjekt"), ";DATABASE=QOvInventar.mdb");
+    EXPECT_EQ(link("T_Raumkern"), ";DATABASE=QGebaeude.mdb");
 }
 
 TEST_F(ReportLinksTest, MissingBuildingLinkFailsBeforeAnyHostLinkOfAnOdbcProject)

@@ -27,3 +27,28 @@ TEST(FileSystem, NameAndFolderParts)
     EXPECT_EQ(fileNamePart("/tmp/x.dat"), "x.dat");
     EXPECT_EQ(folderPart("x.dat"), "");
 }
+
+TEST(FileSystem, PathsShownToAPersonUseOneSeparator)
+{
+    EXPECT_EQ(displayPath("/home/a/Projekt\\Inventur\\A7.mdb"), "/home/a/Projekt/Inventur/A7.mdb");
+    // The doubled separator of "\\QOvInventar.mdb" after a folder ending in one is shown once.
+    EXPECT_EQ(displayPath("/home/a/Projekt\\\\QOvInventar.mdb"), "/home/a/Projekt/QOvInventar.mdb");
+    EXPECT_EQ(displayPath("Report\\invraum.rpt"), "Report/invraum.rpt");
+    EXPECT_EQ(displayPath(""), "");
+    EXPECT_EQ(displayPath("//server/share"), "//server/share");
+}
+
+TEST(FileSystem, RelativePathsResolveAgainstAFolder)
+{
+    EXPECT_TRUE(isAbsolutePath("/home/a"));
+    EXPECT_TRUE(isAbsolutePath("\\Projekte"));
+    EXPECT_TRUE(isAbsolutePath("C:\\Quarn"));
+    EXPECT_TRUE(isAbsolutePath("d:Quarn"));
+    EXPECT_FALSE(isAbsolutePath("Demo"));
+    EXPECT_FALSE(isAbsolutePath("..\\Demo"));
+    EXPECT_FALSE(isAbsolutePath(""));
+    EXPECT_EQ(resolvePath("/prog", "Demo"), "/prog\\Demo");
+    EXPECT_EQ(resolvePath("/prog/", "..\\Demo"), "/prog/..\\Demo");
+    EXPECT_EQ(resolvePath("/prog", "/abs/Demo"), "/abs/Demo");
+    EXPECT_EQ(resolvePath("/prog", ""), "");
+}

@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
+#include <QApplication>
+#include <QDialog>
+
 using namespace qi;
 
 TEST(UserInteraction, CommonErrorMessage)
@@ -38,4 +43,18 @@ TEST(QtUserInteraction, FileFilterTakesEveryFileForStarDotStar)
     EXPECT_EQ(f[0], QStringLiteral("Alle Dateien (*)"));
     EXPECT_EQ(f[1], QStringLiteral("Scannerdaten (*.dat)"));
     EXPECT_EQ(qtNameFilters("Texte|*.txt"), QStringList{QStringLiteral("Texte (*.txt)")});
+}
+
+TEST(QtUserInteraction, DialogsOpenOverTheModalDialogInFront)
+{
+    test::qtApplication();
+    QWidget main;
+    QtUserInteraction ui(&main);
+    EXPECT_EQ(ui.dialogParent(), &main); // nothing of the program is active
+    QDialog dialog(&main);
+    dialog.setModal(true);
+    dialog.show();
+    EXPECT_EQ(ui.dialogParent(), &dialog);
+    dialog.hide();
+    EXPECT_EQ(ui.dialogParent(), &main);
 }

@@ -212,22 +212,25 @@ TEST_F(StartupTest, LowerCasePtjetCountsAsOdbcAndNeedsAConnectionString)
     EXPECT_FALSE(fs::exists(project + "/QInventur.mdb"));
 }
 
-TEST_F(StartupTest, OdbcProjectOpensTheRegisterButNotQuarnsData)
+TEST_F(StartupTest, OdbcProjectWhoseServerIsOutOfReachShowsTheMessageAndOpensTheRegister)
 {
     quarnIni(project);
     projektIni("[ODBC]\r\nProjekttyp=ptODBC\r\nConnectionString=DSN=Quarn;UID=inventur\r\n");
     const auto r = run();
-    EXPECT_TRUE(ui.messages.empty());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    const std::string unreachable = "Die Quarn-Datenbank auf dem Server ist nicht erreichbar (DSN=Quarn;UID=inventur).";
+    EXPECT_EQ(ui.messages[0].text.rfind(unreachable + "\r\n", 0), 0u) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].title, "Problem");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
     EXPECT_TRUE(r.completed);
     EXPECT_EQ(settings.gstConnectionString, "DSN=Quarn;UID=inventur");
     ASSERT_TRUE(r.inventurDb);
     EXPECT_TRUE(r.inventurDb->isOpen());
     ASSERT_TRUE(r.gebDb);
     EXPECT_FALSE(r.gebDb->IsOpen());
-    EXPECT_EQ(r.gebDb->LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
+    EXPECT_EQ(r.gebDb->LastError().rfind("Die Quarn-Datenbank konnte nicht geöffnet werden!\r\n" + unreachable, 0), 0u);
     ASSERT_TRUE(r.objektDb);
     EXPECT_FALSE(r.objektDb->IsOpen());
-    EXPECT_EQ(r.objektDb->LastError(), "ODBC-Projekte werden noch nicht unterstützt.");
     EXPECT_THROW(r.objektDb->FindByInvNr("100001"), DbError);
 }
 
@@ -398,7 +401,43 @@ TEST_F(StartupTest, WithAnEmptyProjectValueLaterErrorsEndStartup)
     EXPECT_EQ(r.caption, "Aufträge im Projekt: ''");
 }
 
+TEST_F(StartupTest, RelativeProjectValueLiesBelowTheProgramFolderNotTheWorkingFolder)
+{
+    quarnIni("..\\Projekt");
+    projektIni("[ODBC]\r\nProjekttyp=ptJet\r\n");
+    const auto r = run();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_TRUE(r.completed);
+    // The caption shows the value as it stands.
+    EXPECT_EQ(r.caption, "Aufträge im Projekt: '..\\Projekt'");
+    EXPECT_EQ(settings.gstProjektPfad, program + "\\..\\Projekt\\");
+    EXPECT_TRUE(fileExists(project + "/QInventur.mdb")); // seeded there
+    EXPECT_FALSE(fs::exists(dir.file("Arbeitsordner") + "/QInventur.mdb"));
+}
+
+TEST_F(StartupTest, RelativeProjectValueThatIsNoFolderIsNotFound)
+{
+    quarnIni("Projekt");
+    run();
+    expectProblem(0, "Projekt nicht gefunden!");
+}
+
 // ------------------------------------------------------------------ the demo project
+
+TEST_F(StartupTest, CopiedProgramFolderFindsTheDemoBesideItself)
+{
+    demo::writeDemoProject(demo::smallSizes(), program + "/Demo", std::string(QI_SOURCE_DIR) + "/resources/reports");
+    demo::writeQuarnIni(program + "/Quarn.ini", demo::projectValueFor(program + "/Quarn.ini", program + "/Demo"));
+    const std::string copy = dir.file("Kopie");
+    fs::copy(program, copy, fs::copy_options::recursive);
+    fs::remove_all(program);
+    const auto r = RunStartup(copy, settings, ui);
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    ASSERT_TRUE(r.completed);
+    EXPECT_EQ(settings.gstProjektPfad, copy + "\\Demo\\");
+    EXPECT_TRUE(fileExists(copy + "/Demo/QInventur.mdb"));
+    EXPECT_TRUE(r.gebDb->GetGebStruktur(1).has_value());
+}
 
 TEST_F(StartupTest, DemoProjectStartsWithAnEmptyOrderListAndNoMessage)
 {

@@ -4,7 +4,11 @@
 #include "OrderSchema.h"
 
 #include <QApplication>
+#include <QSettings>
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -13,6 +17,11 @@
 namespace qi::test {
 
 namespace fs = std::filesystem;
+
+namespace {
+/// The mirrors of Quarn's data that tests make go to a cache folder of the build, not the user's.
+const bool kTestCache = ::setenv("XDG_CACHE_HOME", QI_PROGRAM_DIR "/../tests/cache", 1) == 0;
+} // namespace
 
 TempDir::TempDir()
 {
@@ -65,7 +74,20 @@ QApplication& qtApplication()
     static int argc = 1;
     static char name[] = "qinventur-test";
     static char* argv[] = {name, nullptr};
-    static QApplication* app = new QApplication(argc, argv);
+    static QApplication* app = [] {
+        auto* a = new QApplication(argc, argv);
+        // What the windows remember between runs goes to a folder of this test process only.
+        static const std::string settings =
+            (fs::temp_directory_path() / "qinventur-tests" / ("settings-" + std::to_string(::getpid()))).string();
+        QCoreApplication::setOrganizationName(QStringLiteral("QInventur-Test"));
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromStdString(settings));
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromStdString(settings));
+        std::atexit([] {
+            std::error_code ec;
+            fs::remove_all(settings, ec);
+        });
+        return a;
+    }();
     return *app;
 }
 

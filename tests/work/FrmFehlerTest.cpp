@@ -12,6 +12,7 @@
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
@@ -126,6 +127,38 @@ TEST_F(FrmFehlerTest, TimerStopsOnceAChoiceIsMade)
     EXPECT_FALSE(f.Timer1->isActive());
 }
 
+TEST_F(FrmFehlerTest, OptionButtonsSitBesideTheirRowsAndSayWhatTheyDo)
+{
+    frmFehler f;
+    f.setInfo(sample());
+    f.show();
+    QApplication::processEvents();
+    const auto band = [&](QWidget* w) {
+        const QPoint top = w->mapTo(&f, QPoint(0, 0));
+        return std::pair{top.y(), top.y() + w->height()};
+    };
+    const auto centre = [&](QWidget* w) { return w->mapTo(&f, QPoint(0, w->height() / 2)).y(); };
+    const auto [altTop, altBottom] = band(f.lbRNrAlt);
+    const auto [neuTop, neuBottom] = band(f.lbRNrNeu);
+    // Each option on the height of its row, to the right of the row's values.
+    EXPECT_GE(centre(f.opBehalten), altTop);
+    EXPECT_LE(centre(f.opBehalten), altBottom);
+    EXPECT_GE(centre(f.opVerwerfen), neuTop);
+    EXPECT_LE(centre(f.opVerwerfen), neuBottom);
+    EXPECT_GT(f.opBehalten->mapTo(&f, QPoint(0, 0)).x(), f.lbDatumAlt->mapTo(&f, QPoint(0, 0)).x());
+    EXPECT_GT(f.opVerwerfen->mapTo(&f, QPoint(0, 0)).x(), f.lbDatumNeu->mapTo(&f, QPoint(0, 0)).x());
+    // They say what they do.
+    EXPECT_EQ(f.opBehalten->accessibleName(), QStringLiteral("Erstes Auftreten behalten"));
+    EXPECT_EQ(f.opVerwerfen->accessibleName(), QStringLiteral("Zweites Auftreten übernehmen"));
+    EXPECT_TRUE(f.opBehalten->toolTip().contains(QStringLiteral("erste Auftreten behalten")));
+    EXPECT_TRUE(f.opVerwerfen->toolTip().contains(QStringLiteral("zweite Auftreten übernehmen")));
+    EXPECT_EQ(f.opBehalten->text(), QStringLiteral("&behalten"));
+    EXPECT_EQ(f.opVerwerfen->text(), QStringLiteral("&übernehmen"));
+    // The frame holds the two occurrences.
+    EXPECT_EQ(f.lbRNrAlt->parentWidget(), f.Frame2);
+    EXPECT_EQ(f.Label10->parentWidget(), f.Frame2);
+}
+
 TEST_F(FrmFehlerTest, QtUserInteractionShowsThePluggedDialog)
 {
     QtUserInteraction ui;
@@ -163,6 +196,38 @@ TEST_F(FrmFehlerTest, QtProgressShowsTheFileAndGoesAwayAtTheEnd)
     ui.endProgress(); // one end too many does no harm
     for (QWidget* w : QApplication::topLevelWidgets())
         EXPECT_EQ(qobject_cast<QProgressDialog*>(w), nullptr);
+}
+
+TEST_F(FrmFehlerTest, QtProgressNeverShowsItselfAndStepsAsideForAQuestion)
+{
+    QtUserInteraction ui;
+    ui.beginProgress("Auswertung");
+    QProgressDialog* progress = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* p = qobject_cast<QProgressDialog*>(w))
+            progress = p;
+    ASSERT_NE(progress, nullptr);
+    EXPECT_FALSE(progress->isVisible());
+    // No timer of its own that would show it after a while.
+    for (const QTimer* t : progress->findChildren<QTimer*>())
+        EXPECT_FALSE(t->isActive());
+    ui.reportStep("Sollbestand der Räume", 1, 3);
+    ASSERT_TRUE(progress->isVisible());
+
+    bool asideDuringQuestion = false;
+    bool questionInFront = false;
+    QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        questionInFront = box != nullptr;
+        asideDuringQuestion = !progress->isVisible();
+        if (box)
+            box->buttons().first()->click();
+    });
+    ui.messageBox("Warnung", MsgButtons::Ok, MsgIcon::Exclamation, "Quarn-Inventur");
+    EXPECT_TRUE(questionInFront);
+    EXPECT_TRUE(asideDuringQuestion);
+    EXPECT_TRUE(progress->isVisible()); // back after the answer
+    ui.endProgress();
 }
 
 } // namespace

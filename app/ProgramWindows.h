@@ -1,0 +1,20 @@
+#pragma once
+// The program's windows put together: the main window shows an opened order in
+// the work window, and the work window opens the room selection of its order.
+// The program and the tests that walk through the windows use the same wiring.
+
+#include "OrderWindow.h"
+#include "frmWorkWindow.h"
+
+namespace qi {
+
+class frmMain;
+
+/// Makes the room selection window of an order and has it read the order's rooms.
+RoomWindowFactory roomWindowFactory();
+/// Makes the work window of an opened order, with the room selection plugged in.
+OrderWindowFactory workWindowFactory();
+/// Plugs the work window into the main window.
+void connectWindows(frmMain& main);
+
+} // namespace qi

@@ -1,0 +1,25 @@
+#pragma once
+// Screenshots of windows rendered offscreen, and the texts a person can read on them.
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+class QWidget;
+
+namespace qi::test {
+
+/// The texts shown inside `window` as it is laid out now: labels, buttons, check and option
+/// boxes, frame titles, the menu bar's menus and their entries, list headings and the texts of
+/// the list, box and tree items within view. Texts keep their mnemonic marks ("&Hinzufügen").
+/// Only widgets visible inside the window's area count.
+QStringList visibleTexts(QWidget& window);
+
+/// Renders `window` (shown offscreen before), keeps it as "<name>.png" in the folder
+/// "screenshots" beside the test program and returns the image.
+QImage screenshot(QWidget& window, const QString& name);
+
+/// Number of different colours in the image (a blank window has one or two).
+int colourCount(const QImage& image);
+
+} // namespace qi::test

@@ -1,0 +1,348 @@
+// The work window and the room selection window as a person meets them: captions,
+// headings and menus, lists that fill the window, columns that sort, the keyboard,
+// the windows' memory of their size, and what closing does.
+
+#include "ProgramFixture.h"
+
+#include "QTreeGebStruCtrl.h"
+#include "ReportMenus.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <map>
+
+namespace qi::test {
+namespace {
+
+class WindowsTest : public ProgramFixture {
+protected:
+    void openDemoOrder()
+    {
+        startProgram();
+        newOrder("Lager");
+        openOrder("Lager");
+        ASSERT_NE(work(), nullptr);
+        ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    }
+    /// Puts the rooms of the first floor into the order through the room selection.
+    void chooseFirstFloor()
+    {
+        whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+            w.tvGeb->SelectNode(firstFloor());
+            emit w.tvGeb->Click();
+            w.pbAllIn->click();
+            w.pbFertig->click();
+        });
+        work()->pbRooms->click();
+    }
+    std::int32_t firstFloor() const
+    {
+        for (const demo::Node& n : inst.nodes)
+            if (n.typ == 3)
+                return n.id;
+        return 0;
+    }
+    static QStringList headings(const QTreeWidget& view)
+    {
+        QStringList out;
+        for (int i = 0; i < view.columnCount(); ++i)
+            out << view.headerItem()->text(i);
+        return out;
+    }
+    static QStringList column(const QTreeWidget& view, int c)
+    {
+        QStringList out;
+        for (int i = 0; i < view.topLevelItemCount(); ++i)
+            out << view.topLevelItem(i)->text(c);
+        return out;
+    }
+    /// Presses Alt and a letter in the active window, and waits while a button shows itself pressed.
+    static void altKey(QWidget& window, Qt::Key key)
+    {
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        QTest::keyClick(&window, key, Qt::AltModifier);
+        QTest::qWait(250);
+    }
+    /// The mnemonic letters of the buttons, check boxes and labels of a window.
+    static std::multimap<QChar, QString> mnemonics(QWidget& window)
+    {
+        std::multimap<QChar, QString> out;
+        const auto add = [&](const QString& text) {
+            const int at = text.indexOf(QLatin1Char('&'));
+            if (at >= 0 && at + 1 < text.size())
+                out.emplace(text.at(at + 1).toLower(), text);
+        };
+        for (const QAbstractButton* b : window.findChildren<QAbstractButton*>())
+            add(b->text());
+        for (const QLabel* l : window.findChildren<QLabel*>())
+            add(l->text());
+        return out;
+    }
+};
+
+// ------------------------------------------------------------------ the work window
+
+TEST_F(WindowsTest, WorkWindowShowsItsCaptionsHeadingsAndMenus)
+{
+    openDemoOrder();
+    frmWorkWindow& w = *work();
+    EXPECT_EQ(w.lbRoomsLabel->text(), QStringLiteral("Auftragsräume"));
+    // The run of blanks belongs to the caption.
+    EXPECT_EQ(w.lbDateienLabel->text(),
+              QStringLiteral("hinzugefügte Daten (*.dat-Dateien)                       Öffnen mit Doppelklick"));
+    EXPECT_EQ(w.lbDateienLabel->textFormat(), Qt::PlainText);
+    EXPECT_EQ(headings(*w.lvRooms), (QStringList{"Raum", "Status", "Datum", "Anzahl", "Datei"}));
+    EXPECT_EQ(headings(*w.lvDateien), (QStringList{"Name", "Erf.-datum", "Pfad"}));
+    EXPECT_EQ(w.pbAdd->text(), QStringLiteral("&Hinzufügen"));
+    EXPECT_EQ(w.pbRemove->text(), QStringLiteral("&Entfernen"));
+    EXPECT_EQ(w.pbNeu->text(), QStringLiteral("&Auswertung aktualisieren"));
+    EXPECT_EQ(w.pbRooms->text(), QStringLiteral("&Auswahl"));
+    EXPECT_EQ(w.pbOk->text(), QStringLiteral("&OK"));
+
+    EXPECT_EQ(w.mnuDatei->title(), QStringLiteral("&Datei"));
+    const auto datei = w.mnuDatei->actions();
+    ASSERT_EQ(datei.size(), 4);
+    EXPECT_EQ(datei[0], w.mnuDateiFkt.at(100));
+    EXPECT_EQ(datei[0]->text(), QStringLiteral("&Räume"));
+    EXPECT_EQ(datei[1], w.mnuDateiFkt.at(200));
+    EXPECT_EQ(datei[1]->text(), QStringLiteral("&Scandaten zusammenfassen"));
+    EXPECT_TRUE(datei[2]->isSeparator());
+    EXPECT_EQ(datei[2], w.mnuDateiFkt.at(444));
+    EXPECT_EQ(datei[3], w.mnuDateiFkt.at(500));
+    EXPECT_EQ(datei[3]->text(), QStringLiteral("&Beenden"));
+
+    EXPECT_EQ(w.mnuReport->title(), QStringLiteral("&Berichte"));
+    ASSERT_EQ(w.mnuReport->actions().size(), 5);
+    for (const ReportMenuEntry& e : kReportMenu)
+        EXPECT_EQ(w.mnuReportFkt.at(e.index)->text().toStdString(), e.caption);
+    EXPECT_EQ(w.mnuReport->actions()[0]->text(), QStringLiteral("&Artikel"));
+    EXPECT_EQ(w.mnuReport->actions()[3]->text(), QStringLiteral("I&nventurauswertung"));
+    EXPECT_EQ(w.mnuFehler->title(), QStringLiteral("&Fehlerlisten (Auftragsbereich)"));
+    ASSERT_EQ(w.mnuFehler->actions().size(), 3);
+    EXPECT_EQ(w.mnuFehlerFkt.at(100)->text(), QStringLiteral("&Neues Inventar"));
+    EXPECT_EQ(w.mnuFehlerFkt.at(200)->text(), QStringLiteral("&Verschobenes Inventar"));
+    EXPECT_EQ(w.mnuFehlerFkt.at(300)->text(), QStringLiteral("&Fehlendes Inventar"));
+}
+
+TEST_F(WindowsTest, WorkWindowCountsItsRoomsAndFiles)
+{
+    openDemoOrder();
+    EXPECT_EQ(work()->lbCounts->text(), QStringLiteral("0 Räume, 0 Dateien"));
+    chooseFirstFloor();
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    work()->pbAdd->click();
+    EXPECT_EQ(work()->lbCounts->text(), QStringLiteral("6 Räume, 1 Datei"));
+}
+
+TEST_F(WindowsTest, WorkWindowListsFillTheWindowAndFollowItsSize)
+{
+    openDemoOrder();
+    frmWorkWindow& w = *work();
+    w.resize(800, 600);
+    QApplication::processEvents();
+    const int rooms = w.lvRooms->width(), files = w.lvDateien->width();
+    const int height = w.lvRooms->height() + w.lvDateien->height();
+    EXPECT_GT(rooms, 800 / 2);
+    w.resize(1200, 900);
+    QApplication::processEvents();
+    EXPECT_GE(w.lvRooms->width(), rooms + 350);
+    EXPECT_GE(w.lvDateien->width(), files + 350);
+    EXPECT_GE(w.lvRooms->height() + w.lvDateien->height(), height + 250);
+    // The last column fills the list.
+    EXPECT_TRUE(w.lvRooms->header()->stretchLastSection());
+    EXPECT_TRUE(w.lvDateien->header()->stretchLastSection());
+}
+
+TEST_F(WindowsTest, WorkWindowColumnsSortNumbersAndDatesAsSuch)
+{
+    openDemoOrder();
+    chooseFirstFloor();
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    work()->pbAdd->click();
+    ui.fileChoices = {scanFile("Scan_EG_Teil2.dat")};
+    work()->pbAdd->click();
+    frmWorkWindow& w = *work();
+    ASSERT_EQ(w.lvDateien->topLevelItemCount(), 2);
+    emit w.lvRooms->header()->sectionClicked(3);
+    QList<double> counts;
+    for (const QString& c : column(*w.lvRooms, 3))
+        counts << c.toDouble();
+    ASSERT_FALSE(counts.isEmpty());
+    EXPECT_TRUE(std::is_sorted(counts.begin(), counts.end()));
+    EXPECT_NE(counts.front(), counts.back());
+    emit w.lvDateien->header()->sectionClicked(1);
+    EXPECT_EQ(column(*w.lvDateien, 1), (QStringList{"14.03.2025", "17.03.2025"}));
+    emit w.lvDateien->header()->sectionClicked(1);
+    EXPECT_EQ(column(*w.lvDateien, 1), (QStringList{"17.03.2025", "14.03.2025"}));
+    // A refill keeps the order the user chose.
+    w.Form_Activate();
+    EXPECT_EQ(column(*w.lvDateien, 1), (QStringList{"17.03.2025", "14.03.2025"}));
+}
+
+TEST_F(WindowsTest, WorkWindowButtonsAnswerToTheirMnemonics)
+{
+    openDemoOrder();
+    chooseFirstFloor();
+    frmWorkWindow& w = *work();
+    altKey(w, Qt::Key_H);
+    ASSERT_EQ(ui.fileRequests.size(), 1u); // "&Hinzufügen" asked for a file
+    EXPECT_EQ(ui.fileRequests[0].filter, "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat");
+    // "&Auswertung aktualisieren" and "&Auswahl" share their letter: Alt+A moves between them.
+    altKey(w, Qt::Key_A);
+    EXPECT_TRUE(w.pbNeu->hasFocus() || w.pbRooms->hasFocus());
+    altKey(w, Qt::Key_O);
+    EXPECT_TRUE(w.f_bReload);
+    EXPECT_FALSE(w.isVisible());
+}
+
+TEST_F(WindowsTest, WorkWindowRemembersItsSizeAndColumns)
+{
+    openDemoOrder();
+    work()->resize(1010, 707);
+    work()->lvDateien->setColumnWidth(0, 222);
+    work()->Unload();
+    main->repaint();
+    openOrder("Lager");
+    ASSERT_NE(work(), nullptr);
+    EXPECT_EQ(work()->size(), QSize(1010, 707));
+    EXPECT_EQ(work()->lvDateien->columnWidth(0), 222);
+}
+
+TEST_F(WindowsTest, WorkWindowUnloadClosesTheOrderAndGivesTheMainWindowBack)
+{
+    openDemoOrder();
+    frmWorkWindow& w = *work();
+    int unloaded = 0;
+    QObject::connect(&w, &OrderWindow::unloaded, [&] { ++unloaded; });
+    w.mnuDateiFkt.at(workmenu::Beenden)->trigger();
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_TRUE(w.f_bReload);
+    EXPECT_FALSE(main->orderDb()->isOpen());
+    EXPECT_TRUE(main->isActiveState());
+    // Whatever comes after the unload does nothing.
+    w.pbAdd->click();
+    EXPECT_TRUE(ui.fileRequests.empty());
+}
+
+// ------------------------------------------------------------------ the room selection window
+
+TEST_F(WindowsTest, RoomWindowShowsItsCaptionsAndTheTree)
+{
+    openDemoOrder();
+    bool seen = false;
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        seen = true;
+        EXPECT_TRUE(w.isModal());
+        EXPECT_EQ(w.parentWidget(), work());
+        EXPECT_EQ(w.windowTitle(), QStringLiteral("Raumauswahl"));
+        EXPECT_EQ(w.pbFertig->text(), QStringLiteral("&Fertig"));
+        EXPECT_EQ(w.cbAllRooms->text(), QStringLiteral("Auswahl alle Räume"));
+        EXPECT_FALSE(w.cbAllRooms->isChecked());
+        EXPECT_EQ(headings(*w.lvRooms), (QStringList{"Raum", "Status"}));
+        EXPECT_EQ(w.lbRooms->selectionMode(), QAbstractItemView::ExtendedSelection);
+        EXPECT_EQ(w.lvRooms->selectionMode(), QAbstractItemView::ExtendedSelection);
+        EXPECT_GT(w.tvGeb->topLevelItemCount(), 0);
+        EXPECT_NE(w.tvGeb->ItemOfNode(firstFloor()), nullptr);
+        for (QPushButton* b : {w.pbIn, w.pbAllIn, w.pbOut, w.pbAllOut})
+            EXPECT_FALSE(b->toolTip().isEmpty()) << b->objectName().toStdString();
+        w.pbFertig->click();
+    });
+    work()->mnuDateiFkt.at(workmenu::Raeume)->trigger();
+    EXPECT_TRUE(seen);
+}
+
+TEST_F(WindowsTest, RoomWindowClosedByItsCloseButtonSavesLikeFertig)
+{
+    openDemoOrder();
+    {
+        auto order = Database::open(orderFile("Lager"));
+        order->execute("INSERT INTO T_Differenzliste (stSollInvNR, stTyp) VALUES ('X', '1 OK')");
+    }
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        w.tvGeb->SelectNode(firstFloor());
+        emit w.tvGeb->Click();
+        w.pbAllIn->click();
+        w.close();
+    });
+    work()->pbRooms->click();
+    EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Raum"), 6);
+    EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Differenzliste"), 0);
+    EXPECT_EQ(work()->lvRooms->topLevelItemCount(), 6);
+}
+
+TEST_F(WindowsTest, RoomWindowSavesTheRoomsInTheOrderTheListShows)
+{
+    openDemoOrder();
+    QStringList shown;
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        w.tvGeb->SelectNode(firstFloor());
+        emit w.tvGeb->Click();
+        w.pbAllIn->click();
+        emit w.lvRooms->header()->sectionClicked(0);
+        emit w.lvRooms->header()->sectionClicked(0); // descending
+        shown = column(*w.lvRooms, 0);
+        w.pbFertig->click();
+    });
+    work()->pbRooms->click();
+    ASSERT_EQ(shown.size(), 6);
+    auto stored = read(orderFile("Lager"))->query("SELECT stRaumNr FROM T_Raum ORDER BY lID");
+    QStringList saved;
+    for (const auto& row : stored.rows())
+        saved << QString::fromStdString(toText(row[0]));
+    EXPECT_EQ(saved, shown);
+    QStringList ascending = shown;
+    std::reverse(ascending.begin(), ascending.end());
+    EXPECT_NE(saved, ascending);
+}
+
+TEST_F(WindowsTest, RoomWindowWorksFromTheKeyboard)
+{
+    openDemoOrder();
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        // Walking the tree with the keyboard to the floor lists its rooms.
+        altKey(w, Qt::Key_G);
+        EXPECT_TRUE(w.tvGeb->hasFocus());
+        w.tvGeb->setCurrentItem(w.tvGeb->ItemOfNode(firstFloor()));
+        EXPECT_EQ(w.lbRooms->count(), 6);
+        altKey(w, Qt::Key_A); // "&Alle hinzufügen >>"
+        EXPECT_EQ(w.lvRooms->topLevelItemCount(), 6);
+        altKey(w, Qt::Key_U); // the order's rooms
+        EXPECT_TRUE(w.lvRooms->hasFocus());
+        w.lvRooms->setCurrentItem(w.lvRooms->topLevelItem(0));
+        QTest::keyClick(w.lvRooms, Qt::Key_Return); // the toggle
+        EXPECT_EQ(w.lvRooms->topLevelItem(0)->text(1), QStringLiteral("L"));
+        altKey(w, Qt::Key_F); // "&Fertig"
+    });
+    work()->pbRooms->click();
+    EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'L'"), 1);
+}
+
+TEST_F(WindowsTest, MnemonicsOfAWindowDoNotClashExceptTheTwoFixedCaptions)
+{
+    openDemoOrder();
+    const auto workKeys = mnemonics(*work());
+    for (auto it = workKeys.begin(); it != workKeys.end(); ++it)
+        if (workKeys.count(it->first) > 1) {
+            EXPECT_EQ(it->first, QLatin1Char('a')) << it->second.toStdString();
+        }
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        const auto keys = mnemonics(w);
+        EXPECT_GE(keys.size(), 8u);
+        for (auto it = keys.begin(); it != keys.end(); ++it)
+            EXPECT_EQ(keys.count(it->first), 1u) << it->second.toStdString();
+        w.pbFertig->click();
+    });
+    work()->pbRooms->click();
+}
+
+} // namespace
+} // namespace qi::test
