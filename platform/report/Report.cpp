@@ -1,10 +1,12 @@
 #include "Report.h"
 
 #include "Database.h"
+#include "DbError.h"
 #include "FileSystem.h"
 #include "LinkedDatabase.h"
 #include "ReportError.h"
 #include "ReportFiles.h"
+#include "ReportOutputFile.h"
 
 #include <QDateTime>
 #include <QGuiApplication>
@@ -53,9 +55,15 @@ std::unique_ptr<Report> Report::open(const std::string& reportFile, const std::s
         throw ReportError("Die Berichtsdatenbank '" + displayPath(dataFile) + "' kann nicht geöffnet werden: " +
                           e.description());
     }
-    const OrderInfo order = orderOfReportDatabase(dataFile, *statements);
-    ReportContext context{order.orderName, order.projectFolder,
+    ReportContext context{options.orderName, displayPath(options.projectFolder),
                           options.printDate.empty() ? nowText() : options.printDate, fileNamePart(report->file_)};
+    if (context.orderName.empty() || context.projectFolder.empty()) {
+        const OrderInfo order = orderOfReportDatabase(dataFile, *statements);
+        if (context.orderName.empty())
+            context.orderName = order.orderName;
+        if (context.projectFolder.empty())
+            context.projectFolder = order.projectFolder;
+    }
     ReportTable table = readReportRows(def, *statements);
     report->model_ = std::make_unique<ReportModel>(std::move(def), std::move(table), std::move(context));
     return report;
@@ -83,22 +91,27 @@ void Report::write(ReportFormat format, const std::string& path) const
         writeCsv(path);
         break;
     case ReportFormat::Text: {
-        const std::string content = text();
-        FILE* f = std::fopen(nativePath(path).c_str(), "wb");
-        const bool ok = f && std::fwrite(content.data(), 1, content.size(), f) == content.size();
-        if (f && std::fclose(f) != 0)
-            throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
-        if (!ok)
-            throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+        ReportOutputFile file(path);
+        file.write(text());
+        file.close();
         break;
     }
     }
 }
 
-void renderReport(const std::string& reportFile, const std::string& dataFile, const std::string& title,
-                  ReportFormat format, const std::string& outputPath, const ReportOptions& options)
+std::string writeReportFile(const std::string& reportFile, const std::string& dataFile, const std::string& title,
+                            const std::string& orderName, const std::string& projectFolder, ReportFormat format,
+                            const std::string& outputPath)
 {
-    Report::open(reportFile, dataFile, title, options)->write(format, outputPath);
+    try {
+        ReportOptions options;
+        options.orderName = orderName;
+        options.projectFolder = projectFolder;
+        Report::open(reportFile, dataFile, title, options)->write(format, outputPath);
+        return {};
+    } catch (const std::exception& e) {
+        return e.what();
+    }
 }
 
 const char* reportFormatExtension(ReportFormat format)
@@ -114,6 +127,14 @@ const char* reportFormatExtension(ReportFormat format)
         return "txt";
     }
     return "";
+}
+
+std::optional<ReportFormat> reportFormatNamed(std::string_view name)
+{
+    for (ReportFormat f : {ReportFormat::Pdf, ReportFormat::Xlsx, ReportFormat::Csv, ReportFormat::Text})
+        if (sameName(name, reportFormatExtension(f)))
+            return f;
+    return std::nullopt;
 }
 
 } // namespace qi

@@ -1,15 +1,17 @@
 #pragma once
 // A report ready to be shown, printed or written: its definition file found and
 // read, its rows read from the report database, laid out on pages when first
-// needed. renderReport writes one straight to a file (PDF, Excel, CSV or plain
-// text), for the command line and the tests; the preview window shows the same
+// needed. writeReportFile writes one straight to a file (PDF, Excel, CSV or plain
+// text), for the command line and batch use; the preview window shows the same
 // pages and offers the same files.
 
 #include "ReportLayout.h"
 #include "ReportModel.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace qi {
 
@@ -20,9 +22,13 @@ enum class ReportFormat {
     Text  ///< the pages as plain text, line by line (for comparing and reading)
 };
 
+/// What the page header tells besides the report's own rows. Empty texts are filled in:
+/// the print date with the current date and time, the order's name and the project folder
+/// from the report database's link to the order database.
 struct ReportOptions {
-    /// {Druckdatum}; empty: the current date and time.
-    std::string printDate;
+    std::string printDate;     ///< {Druckdatum}
+    std::string orderName;     ///< {Auftrag}
+    std::string projectFolder; ///< {Projekt}
 };
 
 class Report {
@@ -34,12 +40,14 @@ public:
     static std::unique_ptr<Report> open(const std::string& reportFile, const std::string& dataFile,
                                         const std::string& windowTitle, const ReportOptions& options = {});
 
-    /// The title of the report's window.
+    /// The title of the report's window; the files written carry it as their document title.
     const std::string& windowTitle() const { return windowTitle_; }
     /// The definition file that was read.
     const std::string& file() const { return file_; }
     const ReportModel& model() const { return *model_; }
-    /// The pages (laid out on first use; needs a QGuiApplication, made offscreen when there is no application).
+    /// The pages, laid out on first use. Measuring type needs a QGuiApplication: a program
+    /// without any application gets an offscreen one; ReportError in a program that has a
+    /// QCoreApplication only.
     const ReportLayout& layout() const;
     int pageCount() const { return layout().pageCount(); }
 
@@ -48,7 +56,7 @@ public:
     void writePdf(const std::string& path) const;
     void writeXlsx(const std::string& path) const;
     void writeCsv(const std::string& path) const;
-    /// The pages as plain text.
+    /// The pages as plain text: one line per band, cells separated by " | ".
     std::string text() const;
 
 private:
@@ -59,11 +67,19 @@ private:
     mutable std::unique_ptr<ReportLayout> layout_;
 };
 
-/// Opens the report and writes it to `outputPath` in `format`; ReportError on failure.
-void renderReport(const std::string& reportFile, const std::string& dataFile, const std::string& title,
-                  ReportFormat format, const std::string& outputPath, const ReportOptions& options = {});
+/// Writes a report straight to a file, for the command line and batch use: finds and reads
+/// `reportFile` (as Report::open does), reads its rows from the report database `dataFile`
+/// and writes `format` to `outputPath`. `title` is the document title of the file;
+/// `orderName` and `projectFolder` fill the page header (empty: taken from the report
+/// database's link to the order database). Returns the empty text when the file was
+/// written, else the error message (naming the file, and the line of a definition error).
+std::string writeReportFile(const std::string& reportFile, const std::string& dataFile, const std::string& title,
+                            const std::string& orderName, const std::string& projectFolder, ReportFormat format,
+                            const std::string& outputPath);
 
 /// File name extension of a format, without the dot ("pdf", "xlsx", "csv", "txt").
 const char* reportFormatExtension(ReportFormat format);
+/// The format of an extension ("pdf", "xlsx", "csv", "txt"; letter case ignored), or nothing.
+std::optional<ReportFormat> reportFormatNamed(std::string_view name);
 
 } // namespace qi

@@ -1,9 +1,5 @@
-#include "FileSystem.h"
 #include "Report.h"
-#include "ReportError.h"
-
-#include <cstdio>
-#include <memory>
+#include "ReportOutputFile.h"
 
 namespace qi {
 
@@ -29,17 +25,14 @@ void Report::writeCsv(const std::string& path) const
 {
     const ReportModel& m = model();
     const ReportDefinition& def = m.definition();
-    std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(nativePath(path).c_str(), "wb"), &std::fclose);
-    if (!file)
-        throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+    ReportOutputFile file(path);
 
     std::string out = "\xEF\xBB\xBF";
     auto endLine = [&] {
         out.back() = '\r'; // every field ends in a separator; the last one's becomes the line end
         out += '\n';
         if (out.size() > (1 << 20)) {
-            if (std::fwrite(out.data(), 1, out.size(), file.get()) != out.size())
-                throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+            file.write(out);
             out.clear();
         }
     };
@@ -60,18 +53,20 @@ void Report::writeCsv(const std::string& path) const
         }
         for (std::size_t c = 0; c < def.columns.size(); ++c) {
             // Numbers without thousands separators, so that a spreadsheet reads them as numbers.
-            if (m.cellIsNumber(r, c) && def.columns[c].format.kind == ValueFormat::Kind::Number)
-                out += formatNumber(m.cellNumber(r, c), def.columns[c].format.decimals, false);
-            else if (m.cellIsNumber(r, c))
-                out += formatNumber(m.cellNumber(r, c), -1, false);
+            if (m.cellIsNumber(r, c))
+                out += formatNumber(m.cellNumber(r, c),
+                                    def.columns[c].format.kind == ValueFormat::Kind::Number
+                                        ? def.columns[c].format.decimals
+                                        : -1,
+                                    false);
             else
                 out += csvField(m.cellText(r, c));
             out += ';';
         }
         endLine();
     }
-    if (std::fwrite(out.data(), 1, out.size(), file.get()) != out.size() || std::fflush(file.get()) != 0)
-        throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+    file.write(out);
+    file.close();
 }
 
 } // namespace qi

@@ -1,5 +1,6 @@
 #include "ReportDefinition.h"
 
+#include "FileSystem.h"
 #include "ReportError.h"
 
 #include <QString>
@@ -145,9 +146,9 @@ public:
             }
         }
         if (!report)
-            fail(lineCount_ > 0 ? 1 : 0, "Der Abschnitt [Bericht] fehlt.");
+            fail(firstLine_, "Der Abschnitt [Bericht] fehlt.");
         if (def.columns.empty())
-            fail(lineCount_, "Der Bericht hat keine Spalte: es fehlt ein Abschnitt [Spalte].");
+            fail(lastLine_, "Der Bericht hat keine Spalte: es fehlt ein Abschnitt [Spalte].");
         return def;
     }
 
@@ -177,6 +178,9 @@ private:
                     break;
                 continue;
             }
+            if (firstLine_ == 0)
+                firstLine_ = lineNo;
+            lastLine_ = lineNo;
             const bool indented = raw.front() == ' ' || raw.front() == '\t';
             if (line.front() == '[') {
                 if (line.back() != ']')
@@ -223,7 +227,6 @@ private:
             if (end == text_.size())
                 break;
         }
-        lineCount_ = lineNo;
     }
 
     const Entry* find(const SectionBlock& block, const char* key) const
@@ -511,7 +514,8 @@ private:
     std::string_view text_;
     const std::string& file_;
     std::vector<SectionBlock> blocks_;
-    int lineCount_ = 0;
+    int firstLine_ = 0; ///< first line that is neither blank nor a comment; 0 in a file without any
+    int lastLine_ = 0;  ///< last such line
 };
 
 } // namespace
@@ -522,6 +526,12 @@ ReportError definitionError(const std::string& file, int line, const std::string
     if (line > 0)
         where += ", Zeile " + std::to_string(line);
     return ReportError(where + ": " + what);
+}
+
+ReportError cannotWrite(const std::string& path, const std::string& reason)
+{
+    return ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden" +
+                       (reason.empty() ? "." : ": " + reason + "."));
 }
 
 ReportDefinition parseReportDefinition(std::string_view text, const std::string& file)
@@ -575,6 +585,17 @@ TextTemplate parseTextTemplate(std::string_view text, const std::string& file, i
             throw definitionError(file, line, "Leerer Platzhalter \"{}\".");
         flush();
         const auto bar = inner.find('|');
+        if (bar != std::string_view::npos && normalised(inner.substr(0, bar)) == "anzahl") {
+            // {Anzahl|Objekt|Objekte}: the count and the word that goes with it.
+            const std::string_view words = inner.substr(bar + 1);
+            const auto second = words.find('|');
+            if (second == std::string_view::npos)
+                throw definitionError(file, line, "\"{" + std::string(inner) +
+                                                      "}\": erwartet wird {Anzahl|Einzahl|Mehrzahl}.");
+            t.parts.push_back({Kind::Count, std::string(trim(words.substr(0, second))),
+                               std::string(trim(words.substr(second + 1)))});
+            continue;
+        }
         if (bar != std::string_view::npos) {
             const std::string field = fieldName(inner.substr(0, bar));
             if (field.empty())
@@ -599,7 +620,7 @@ TextTemplate parseTextTemplate(std::string_view text, const std::string& file, i
         }
         const auto it = builtins.find(key);
         if (it != builtins.end())
-            t.parts.push_back({it->second, std::string(inner), {}});
+            t.parts.push_back({it->second, {}, {}});
         else
             t.parts.push_back({Kind::Field, std::string(inner), {}});
     }

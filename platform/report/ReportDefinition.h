@@ -10,14 +10,15 @@
 namespace qi {
 
 /// A text with placeholders in braces: "{Feld}", "{[Feld]}", "{Feld|Ersatz}" (the replacement
-/// when the field is empty), "{Anzahl}", "{Summe(Feld)}" and the report's own values ("{Titel}",
-/// "{Auftrag}", "{Projekt}", "{Druckdatum}", "{Seite}", "{Seiten}", "{Berichtsdatei}").
+/// when the field is empty), "{Anzahl}", "{Anzahl|Objekt|Objekte}" (the count with the word
+/// that goes with it), "{Summe(Feld)}" and the report's own values ("{Titel}", "{Auftrag}",
+/// "{Projekt}", "{Druckdatum}", "{Seite}", "{Seiten}", "{Berichtsdatei}").
 struct TextTemplate {
     struct Part {
         enum class Kind { Literal, Field, Count, Sum, Title, Order, Project, PrintDate, Page, Pages, ReportFile };
         Kind kind = Kind::Literal;
-        std::string text;     ///< the literal text, or the field name of Field and Sum
-        std::string fallback; ///< Field: shown when the field is empty
+        std::string text;     ///< the literal text, the field name of Field and Sum, or Count's word for one
+        std::string fallback; ///< Field: shown when the field is empty; Count: the word for several
     };
     std::vector<Part> parts;
     int line = 0;

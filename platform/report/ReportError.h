@@ -1,6 +1,7 @@
 #pragma once
-// Why a report can't be shown: its file is missing or unreadable, its definition
-// has an error (the message names the file and the line), or its data can't be read.
+// Why a report can't be shown or written: its file is missing or unreadable, its
+// definition has an error (the message names the file and the line), its data
+// can't be read, or an output file can't be written.
 
 #include <stdexcept>
 #include <string>
@@ -12,10 +13,10 @@ public:
     explicit ReportError(const std::string& message) : std::runtime_error(message) {}
 };
 
-/// "Fehler in der Berichtsdatei '<file>', Zeile <line>: <what>".
+/// "Fehler in der Berichtsdatei '<file>', Zeile <line>: <what>" (without the line when it is 0).
 ReportError definitionError(const std::string& file, int line, const std::string& what);
 
-/// A file path as a person reads it: one kind of separator throughout.
-std::string displayPath(const std::string& path);
+/// "Die Datei '<path>' kann nicht geschrieben werden." with the reason when one is known.
+ReportError cannotWrite(const std::string& path, const std::string& reason = {});
 
 } // namespace qi

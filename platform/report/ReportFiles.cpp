@@ -11,7 +11,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace qi {
 
@@ -32,8 +31,6 @@ bool validUtf8(std::string_view s)
 }
 
 } // namespace
-
-std::string displayPath(const std::string& path) { return nativePath(path); }
 
 std::string findIgnoringCase(const std::string& path)
 {
@@ -99,11 +96,8 @@ std::string readReportFile(const std::string& path)
     if (size > kMaxReportFileSize)
         throw ReportError("Die Berichtsdatei '" + displayPath(path) + "' ist zu groß (mehr als 1 MB).");
     std::ifstream in(p, std::ios::binary);
-    std::ostringstream bytes;
-    if (!in || !(bytes << in.rdbuf()) || in.bad())
-        throw ReportError("Die Berichtsdatei '" + displayPath(path) + "' kann nicht gelesen werden.");
-    std::string text = bytes.str();
-    if (text.empty() && size > 0)
+    std::string text(std::size_t(size), '\0');
+    if (!in || !in.read(text.data(), std::streamsize(size)) || in.gcount() != std::streamsize(size))
         throw ReportError("Die Berichtsdatei '" + displayPath(path) + "' kann nicht gelesen werden.");
     if (text.find('\0') != std::string::npos)
         throw ReportError("Die Berichtsdatei '" + displayPath(path) + "' ist keine Textdatei.");

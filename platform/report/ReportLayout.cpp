@@ -19,7 +19,7 @@ constexpr double kMarginY = 12.0 * kMm;
 constexpr double kMinStarWidth = 15.0 * kMm;
 constexpr double kHeadingPadY = 3.0;
 constexpr double kSummaryGap = 12.0;
-constexpr double kBreakdownWidth = 150.0 * kMm;
+constexpr double kBreakdownWidth = 180.0 * kMm;
 constexpr int kMaxHeadingLines = 3;
 
 QString q(const std::string& s) { return QString::fromStdString(s); }
@@ -349,9 +349,19 @@ void PagePainter::paint(QPainter& p, int page) const
     const double tableRight = l.columns().empty() ? right : l.columns().back().x + l.columns().back().width;
 
     auto rect = [k](double x, double y, double w, double h) { return QRectF(x * k, y * k, w * k, h * k); };
+    // Font and pen change only when they differ from the last text's: a page sets them
+    // hundreds of times, and every change is written into a PDF.
+    FontRole currentRole = FontRole::Count;
+    QColor currentInk;
     auto text = [&](FontRole role, const QColor& color, double x, double baseline, const QString& s) {
-        p.setFont(t.font(role));
-        p.setPen(color);
+        if (role != currentRole) {
+            p.setFont(t.font(role));
+            currentRole = role;
+        }
+        if (color != currentInk) {
+            p.setPen(color);
+            currentInk = color;
+        }
         p.drawText(QPointF(x * k, baseline * k), s);
     };
     // A text in a box [x, x + w], aligned, cut to fit.
@@ -367,6 +377,7 @@ void PagePainter::paint(QPainter& p, int page) const
         text(role, color, at, baseline, shown);
     };
     auto rule = [&](double x1, double x2, double y, double widthPt, const QColor& color) {
+        currentInk = QColor();
         QPen pen(color);
         pen.setWidthF(widthPt * k);
         pen.setCapStyle(Qt::FlatCap);
@@ -424,7 +435,7 @@ void PagePainter::paint(QPainter& p, int page) const
             p.fillRect(rect(left, y, tableRight - left, b.height), kHeadingFill);
             rule(left, tableRight, y + b.height, 0.8, kAccent);
             for (std::size_t c = 0; c < cols.size(); ++c) {
-                const QStringList lines = columnHeadingLines(l, t, c);
+                const QStringList lines = columnHeadingLines(l, l.typography(), c);
                 // Headings sit on the band's bottom line, so that one-line headings line up.
                 const double firstBaseline = y + b.height - 3.0 - double(lines.size()) * t.lineHeight(FontRole::Bold) +
                                              t.ascent(FontRole::Bold);
@@ -472,7 +483,8 @@ void PagePainter::paint(QPainter& p, int page) const
                 if (value.empty())
                     continue;
                 if (cd.wrap) {
-                    const QStringList lines = t.wrap(FontRole::Body, wrapSource(value), w, maxLines);
+                    // Lines break where the layout broke them, so that the row holds them on every device.
+                    const QStringList lines = l.typography().wrap(FontRole::Body, wrapSource(value), w, maxLines);
                     for (qsizetype i = 0; i < lines.size(); ++i)
                         boxed(FontRole::Body, kInk, cols[c].x + pad, w, baseline + double(i) * bodyLine, lines[i],
                               cd.alignment);

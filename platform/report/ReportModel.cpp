@@ -203,6 +203,12 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
         sql.pop_back();
     const std::string from = def.sql.empty() ? quoted(def.source) : "(" + sql + ")";
 
+    if (!def.sql.empty()) {
+        // The statement alone first: it must be one query.
+        Query statement(db, sql);
+        if (statement.ok() && statement.multiple())
+            throw definitionError(def.file, def.sourceLine, "\"SQL\" darf nur eine Abfrage enthalten.");
+    }
     std::vector<std::string> sourceFields;
     {
         Query probe(db, "SELECT * FROM " + from + " LIMIT 0");
@@ -213,8 +219,6 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
                                       "Die Datenquelle \"" + def.source + "\" gibt es in der Berichtsdatenbank nicht.");
             throw definitionError(def.file, def.sourceLine, "Die Datenquelle kann nicht gelesen werden: " + error);
         }
-        if (probe.multiple())
-            throw definitionError(def.file, def.sourceLine, "\"SQL\" darf nur eine Abfrage enthalten.");
         const int n = sqlite3_column_count(probe.get());
         for (int i = 0; i < n; ++i)
             sourceFields.emplace_back(sqlite3_column_name(probe.get(), i));
@@ -437,6 +441,8 @@ std::string ReportModel::evaluate(const TextTemplate& text, RowRange scope, int 
         }
         case Kind::Count:
             out += formatNumber(double(scope.count), 0);
+            if (!part.text.empty() || !part.fallback.empty())
+                out += " " + (scope.count == 1 ? part.text : part.fallback);
             break;
         case Kind::Sum: {
             const int field = table_.fieldIndex(part.text);

@@ -15,7 +15,7 @@ void Report::writePdf(const std::string& path) const
     const ReportLayout& l = layout();
     QFile file(QString::fromStdString(nativePath(path)));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+        throw cannotWrite(path, file.errorString().toStdString());
     {
         QPdfWriter writer(&file);
         writer.setResolution(int(kLayoutDpi));
@@ -23,11 +23,11 @@ void Report::writePdf(const std::string& path) const
                                          model().definition().landscape ? QPageLayout::Landscape
                                                                         : QPageLayout::Portrait,
                                          QMarginsF(0, 0, 0, 0)));
-        writer.setTitle(QString::fromStdString(model().definition().title));
+        writer.setTitle(QString::fromStdString(windowTitle().empty() ? model().definition().title : windowTitle()));
         writer.setCreator(QStringLiteral("QInventur"));
         QPainter painter;
         if (!painter.begin(&writer))
-            throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+            throw cannotWrite(path);
         const PagePainter pages(l, kLayoutDpi, kLayoutDpi / 72.0, false);
         for (int page = 0; page < l.pageCount(); ++page) {
             if (page > 0)
@@ -37,7 +37,7 @@ void Report::writePdf(const std::string& path) const
         painter.end();
     }
     if (file.error() != QFileDevice::NoError || !file.flush())
-        throw ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden.");
+        throw cannotWrite(path, file.errorString().toStdString());
     file.close();
 }
 

@@ -51,7 +51,8 @@ Typography::Typography(const ReportDefinition& def, double dpi, double unitsPerP
                        QStringLiteral("DejaVu Sans")});
         f.setStyleHint(QFont::SansSerif);
         f.setPointSizeF(pointSize(def, role) * toFontPoints);
-        f.setHintingPreference(hinted ? QFont::PreferDefaultHinting : QFont::PreferNoHinting);
+        // Screens hint only vertically: texts keep the widths they were laid out with.
+        f.setHintingPreference(hinted ? QFont::PreferVerticalHinting : QFont::PreferNoHinting);
         f.setKerning(false);
         f.setBold(role == FontRole::Bold || role == FontRole::Group || role == FontRole::SubGroup ||
                   role == FontRole::Title || role == FontRole::SmallBold);

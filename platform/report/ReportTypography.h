@@ -1,7 +1,8 @@
 #pragma once
 // The type of a report: its fonts, their measures on a given device, and word
-// wrapping. Layout measures on a 1200-dpi device; painting measures again on the
-// device it paints on, so that each device cuts and wraps texts with its own measures.
+// wrapping. Layout measures on a 1200-dpi device and decides where long texts break;
+// painting measures again on the device it paints on only to cut a text that would
+// overrun its column there.
 
 #include "ReportDefinition.h"
 

@@ -79,8 +79,7 @@ public:
     lxw_workbook* wb() { return wb_; }
     [[noreturn]] void fail(const std::string& why = {}) const
     {
-        throw ReportError("Die Datei '" + displayPath(path_) + "' kann nicht geschrieben werden" +
-                          (why.empty() ? "." : ": " + why + "."));
+        throw cannotWrite(path_, why);
     }
     void close()
     {
@@ -133,6 +132,10 @@ void Report::writeXlsx(const std::string& path) const
     lxw_worksheet* ws = workbook_add_worksheet(wb, name.c_str());
     if (!ws)
         sheet.fail();
+    std::string documentTitle = cellString(windowTitle().empty() ? def.title : windowTitle());
+    lxw_doc_properties properties{};
+    properties.title = documentTitle.data();
+    workbook_set_properties(wb, &properties);
 
     auto format = [&](bool bold, bool italic, std::uint32_t fill, const std::string& numFormat, double size = 0) {
         lxw_format* f = workbook_add_format(wb);
