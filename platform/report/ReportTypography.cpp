@@ -54,6 +54,8 @@ Typography::Typography(const ReportDefinition& def, double dpi, double unitsPerP
         // Screens hint only vertically: texts keep the widths they were laid out with.
         f.setHintingPreference(hinted ? QFont::PreferVerticalHinting : QFont::PreferNoHinting);
         f.setKerning(false);
+        // Latin text needs no shaping: glyphs are placed by their advances, which is also much faster.
+        f.setStyleStrategy(QFont::PreferNoShaping);
         f.setBold(role == FontRole::Bold || role == FontRole::Group || role == FontRole::SubGroup ||
                   role == FontRole::Title || role == FontRole::SmallBold);
         f.setItalic(role == FontRole::Italic);
