@@ -221,6 +221,33 @@ TEST_F(ReportFixture, AReportThatCannotBeOpenedShowsNoWindowAndRaisesItsError)
     EXPECT_TRUE(shownPreviews().empty());
 }
 
+TEST(ReportPreviewInTheProgram, TheWorkWindowsMenusOpenThePreview)
+{
+    DemoOrder& order = DemoOrder::shared();
+    QtUserInteraction qt;
+    installReportPreview(qt);
+    frmWork work(*order.db, order.settings, qt);
+    work.Init();
+    work.mnuFehlerFkt_Click(fehlermenu::Neu);
+    work.mnuReportFkt_Click(reportmenu::Differenz);
+    const auto previews = shownPreviews();
+    ASSERT_EQ(previews.size(), 2u);
+    QStringList titles;
+    for (ReportPreview* p : previews)
+        titles << p->windowTitle();
+    EXPECT_TRUE(titles.contains(QStringLiteral("Liste Neu im Auftragsbereich")));
+    EXPECT_TRUE(titles.contains(QStringLiteral("Differenzliste")));
+    for (ReportPreview* p : previews) {
+        if (p->windowTitle() == QStringLiteral("Differenzliste")) {
+            EXPECT_EQ(fileNamePart(p->report().file()), "invdiff.rpt");
+        } else {
+            EXPECT_EQ(p->report().model().rowCount(), 3u);
+        }
+        delete p;
+    }
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
 /// The preview of a report of the demo order, just made by its menu entry, shown offscreen
 /// and kept as a screenshot.
 void expectPreviewScreenshot(const RenderedReport* made, const QString& name, const QStringList& texts)
