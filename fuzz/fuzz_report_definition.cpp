@@ -13,6 +13,7 @@
 #include "ReportError.h"
 #include "ReportFiles.h"
 #include "ReportModel.h"
+#include "TextFile.h"
 
 #include <sqlite3.h>
 
@@ -76,14 +77,14 @@ Database& reportDatabase()
 
 void requireMessage(const std::string& message, const std::string& file)
 {
-    fuzz::require(fuzz::isUtf8(message), "a message is well-formed UTF-8");
+    fuzz::require(isUtf8(message), "a message is well-formed UTF-8");
     fuzz::require(message.find(displayPath(file)) != std::string::npos, "a message names the report file");
 }
 
 void readAll(const ReportModel& m)
 {
     const ReportDefinition& def = m.definition();
-    auto check = [](const std::string& text) { fuzz::require(fuzz::isUtf8(text), "a report text is well-formed UTF-8"); };
+    auto check = [](const std::string& text) { fuzz::require(isUtf8(text), "a report text is well-formed UTF-8"); };
     for (std::size_t r = 0; r < m.rowCount(); ++r)
         for (std::size_t c = 0; c < def.columns.size(); ++c)
             check(m.cellText(r, c));

@@ -25,11 +25,6 @@ bool sameNameIgnoringCase(const std::string& a, const std::string& b)
     return QString::fromStdString(a).compare(QString::fromStdString(b), Qt::CaseInsensitive) == 0;
 }
 
-bool validUtf8(std::string_view s)
-{
-    return QString::fromUtf8(s.data(), qsizetype(s.size())).toUtf8() == QByteArray(s.data(), qsizetype(s.size()));
-}
-
 } // namespace
 
 std::string findIgnoringCase(const std::string& path)
@@ -103,7 +98,7 @@ std::string readReportFile(const std::string& path)
         throw ReportError("Die Berichtsdatei '" + displayPath(path) + "' ist keine Textdatei.");
     if (text.rfind("\xEF\xBB\xBF", 0) == 0)
         text.erase(0, 3);
-    return validUtf8(text) ? text : fromWindows1252(text);
+    return isUtf8(text) ? text : fromWindows1252(text);
 }
 
 OrderInfo orderOfReportDatabase(const std::string& dataFile, Database& statements)
