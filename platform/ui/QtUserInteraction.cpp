@@ -51,6 +51,19 @@ private:
     QPointer<QProgressDialog> progress_;
 };
 
+/// Makes the file dialog wide enough for the columns of its file list: type, size and date
+/// are shown whole, the name takes the room they leave.
+void showColumnsWhole(QFileDialog& dialog)
+{
+    dialog.resize(820, 520);
+    if (auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        QHeaderView* header = list->header();
+        header->setStretchLastSection(false);
+        header->setSectionResizeMode(QHeaderView::ResizeToContents);
+        header->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
 } // namespace
 
 QStringList qtNameFilters(const std::string& filter)
@@ -128,15 +141,7 @@ std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& 
     QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setFileMode(QFileDialog::ExistingFile);
-    // Wide enough for the columns of the file list: type, size and date are shown whole,
-    // the name takes the room they leave.
-    dialog.resize(820, 520);
-    if (auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
-        QHeaderView* header = list->header();
-        header->setStretchLastSection(false);
-        header->setSectionResizeMode(QHeaderView::ResizeToContents);
-        header->setSectionResizeMode(0, QHeaderView::Stretch);
-    }
+    showColumnsWhole(dialog);
     const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     if (request.filterIndex >= 1 && request.filterIndex <= filters.size())
@@ -153,7 +158,7 @@ std::optional<std::string> QtUserInteraction::saveFile(const FileDialogRequest& 
                        QString::fromStdString(nativePath(request.startFolder)));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.resize(820, 520);
+    showColumnsWhole(dialog);
     const QStringList filters = qtNameFilters(request.filter);
     dialog.setNameFilters(filters);
     const int selected = request.filterIndex >= 1 && request.filterIndex <= filters.size() ? request.filterIndex : 1;
