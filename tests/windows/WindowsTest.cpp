@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -199,9 +200,13 @@ TEST_F(WindowsTest, WorkWindowButtonsAnswerToTheirMnemonics)
     // "&Auswertung aktualisieren" and "&Auswahl" share their letter: Alt+A moves between them.
     altKey(w, Qt::Key_A);
     EXPECT_TRUE(w.pbNeu->hasFocus() || w.pbRooms->hasFocus());
-    altKey(w, Qt::Key_O);
-    EXPECT_TRUE(w.f_bReload);
-    EXPECT_FALSE(w.isVisible());
+    int unloaded = 0;
+    QObject::connect(&w, &OrderWindow::unloaded, [&] { ++unloaded; });
+    QPointer<frmWorkWindow> closing = &w;
+    altKey(w, Qt::Key_O); // "&OK" unloads the window, which the main window then deletes
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_FALSE(main->orderDb()->isOpen());
+    EXPECT_TRUE(closing.isNull() || !closing->isVisible());
 }
 
 TEST_F(WindowsTest, WorkWindowRemembersItsSizeAndColumns)
