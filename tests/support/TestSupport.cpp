@@ -91,6 +91,23 @@ QApplication& qtApplication()
     return *app;
 }
 
+std::map<std::string, std::string> treeDigest(const std::string& folder)
+{
+    std::map<std::string, std::string> files;
+    for (const auto& e : fs::recursive_directory_iterator(folder)) {
+        if (!e.is_regular_file())
+            continue;
+        const std::string bytes = readFile(e.path().string());
+        std::uint64_t h = 1469598103934665603ull;
+        for (unsigned char c : bytes) {
+            h ^= c;
+            h *= 1099511628211ull;
+        }
+        files[fs::relative(e.path(), folder).string()] = std::to_string(bytes.size()) + ":" + std::to_string(h);
+    }
+    return files;
+}
+
 std::string leaveLastError(CAuftragDb& db)
 {
     CRaumRec missing;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 class QApplication;
@@ -40,6 +41,10 @@ void makeRegisterDatabase(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
+
+/// Every file below `folder` (path relative to it) with its size and a digest of its bytes:
+/// two snapshots are equal when no file was added, removed or changed.
+std::map<std::string, std::string> treeDigest(const std::string& folder);
 
 /// Leaves a failure text in the database object's LastError (reading a key that is not
 /// there), so that a test can tell an operation that clears or keeps it.
