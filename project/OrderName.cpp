@@ -1,55 +1,28 @@
 #include "OrderName.h"
 
+#include "TextFile.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string_view>
-#include <vector>
 
 namespace qi {
 
 namespace {
 
-/// Code points of a UTF-8 text; false when the bytes are no UTF-8.
-bool decodeUtf8(std::string_view s, std::vector<char32_t>& out)
+/// True when the UTF-8 text holds a control character: C0 (below the blank), DEL or C1 (U+0080..U+009F).
+bool hasControl(std::string_view s)
 {
-    for (std::size_t i = 0; i < s.size();) {
-        const unsigned char c = static_cast<unsigned char>(s[i]);
-        int extra = 0;
-        char32_t cp = 0;
-        if (c < 0x80) {
-            cp = c;
-        } else if (c >= 0xC2 && c <= 0xDF) {
-            extra = 1;
-            cp = c & 0x1F;
-        } else if (c >= 0xE0 && c <= 0xEF) {
-            extra = 2;
-            cp = c & 0x0F;
-        } else if (c >= 0xF0 && c <= 0xF4) {
-            extra = 3;
-            cp = c & 0x07;
-        } else {
-            return false;
-        }
-        if (i + std::size_t(extra) >= s.size())
-            return false;
-        for (int k = 1; k <= extra; ++k) {
-            const unsigned char cc = static_cast<unsigned char>(s[i + std::size_t(k)]);
-            if ((cc & 0xC0) != 0x80)
-                return false;
-            cp = (cp << 6) | (cc & 0x3F);
-        }
-        // Overlong forms, surrogates and values past the last code point are no UTF-8.
-        if ((extra == 2 && cp < 0x800) || (extra == 3 && (cp < 0x10000 || cp > 0x10FFFF)) ||
-            (cp >= 0xD800 && cp <= 0xDFFF))
-            return false;
-        out.push_back(cp);
-        i += std::size_t(extra) + 1;
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const auto c = static_cast<unsigned char>(s[i]);
+        if (c < 0x20 || c == 0x7F)
+            return true;
+        if (c == 0xC2 && i + 1 < s.size() && static_cast<unsigned char>(s[i + 1]) <= 0x9F)
+            return true;
     }
-    return true;
+    return false;
 }
-
-bool isControl(char32_t cp) { return cp < 0x20 || cp == 0x7F || (cp >= 0x80 && cp <= 0x9F); }
 
 std::string upperAscii(std::string s)
 {
@@ -87,10 +60,9 @@ std::string orderNameProblem(const std::string& name)
 {
     if (name.empty())
         return "Der Auftrag braucht einen Namen.";
-    std::vector<char32_t> cps;
-    if (!decodeUtf8(name, cps))
+    if (!isUtf8(name))
         return "Der Auftragsname enthält Bytes, die kein Zeichen ergeben.";
-    if (std::any_of(cps.begin(), cps.end(), isControl))
+    if (hasControl(name))
         return "Der Auftragsname darf keine Steuerzeichen (wie Tabulator oder Zeilenumbruch) enthalten.";
     if (name == "." || name == "..")
         return "Der Auftragsname '" + name + "' bezeichnet einen Ordner und kann kein Dateiname sein.";

@@ -4,8 +4,6 @@
 #include "JetCollation.h"
 #include "TextFile.h"
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string_view>
 
@@ -27,39 +25,6 @@ std::string_view trim(std::string_view s)
 /// Names compared as Windows does: letter case ignored (both are trimmed already).
 bool sameName(std::string_view a, std::string_view b) { return jetEqual(a, b); }
 
-/// True when the bytes are well-formed UTF-8 (plain ASCII included).
-bool isUtf8(std::string_view s)
-{
-    for (std::size_t i = 0; i < s.size();) {
-        const auto b = static_cast<unsigned char>(s[i]);
-        const std::size_t len = b < 0x80 ? 1 : (b & 0xE0) == 0xC0 && b >= 0xC2 ? 2 : (b & 0xF0) == 0xE0 ? 3
-                              : (b & 0xF8) == 0xF0 && b <= 0xF4                ? 4
-                                                                               : 0;
-        if (len == 0 || i + len > s.size())
-            return false;
-        for (std::size_t k = 1; k < len; ++k)
-            if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80)
-                return false;
-        i += len;
-    }
-    return true;
-}
-
-/// The file's text as UTF-8; nothing when it can't be read.
-bool readText(const std::string& file, std::string& text)
-{
-    if (!fileExists(file))
-        return false;
-    std::ifstream in(nativePath(file), std::ios::binary);
-    if (!in)
-        return false;
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (bytes.rfind("\xEF\xBB\xBF", 0) == 0)
-        bytes.erase(0, 3);
-    text = isUtf8(bytes) ? std::move(bytes) : fromWindows1252(bytes);
-    return true;
-}
-
 std::string_view stripQuotes(std::string_view v)
 {
     if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
@@ -73,7 +38,7 @@ std::string readProfileValue(const std::string& file, const std::string& section
                              const std::string& defaultValue)
 {
     std::string text;
-    if (!readText(file, text))
+    if (!readTextFile(file, text))
         return defaultValue;
     const std::string_view wantedSection = trim(section);
     const std::string_view wantedKey = trim(key);
