@@ -276,7 +276,9 @@ FileListResult frmWork::pbAdd_Click()
     std::optional<std::string> chosen;
     try {
         FileDialogRequest request;
-        request.startFolder = folderPart(f_stfilename);
+        // Before the first file the dialog opens in the project folder, where scanner
+        // files are usually put; afterwards in the folder of the file added last.
+        request.startFolder = f_stfilename.empty() ? settings_.gstProjektPfad : folderPart(f_stfilename);
         request.filter = kFilter;
         request.filterIndex = 2;
         chosen = ui_.openFile(request);

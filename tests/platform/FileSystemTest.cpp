@@ -1,5 +1,4 @@
 #include "FileSystem.h"
-#include "TextFile.h"
 #include "TestSupport.h"
 
 using namespace qi;
@@ -64,29 +63,4 @@ TEST(FileSystem, MovingAFileReplacesTheTargetInOneStep)
     EXPECT_FALSE(fileExists(dir.file("neu")));
     EXPECT_FALSE(moveFile(dir.file("neu"), dir.file("wieder.mdb")));
     EXPECT_FALSE(fileExists(dir.file("wieder.mdb")));
-}
-
-TEST(TextFile, Utf8IsRecognisedStrictly)
-{
-    EXPECT_TRUE(isUtf8(""));
-    EXPECT_TRUE(isUtf8("Lager Süd €uro 📦"));
-    EXPECT_FALSE(isUtf8("Lager S\xfc" "d"));    // Windows-1252
-    EXPECT_FALSE(isUtf8("a\xc0\xaf"));          // overlong "/"
-    EXPECT_FALSE(isUtf8("a\xe0\x80\xaf"));      // overlong in three bytes
-    EXPECT_FALSE(isUtf8("\xed\xa0\x80"));       // a surrogate
-    EXPECT_FALSE(isUtf8("\xf4\x90\x80\x80"));   // past U+10FFFF
-    EXPECT_FALSE(isUtf8("S\xc3"));              // cut off
-}
-
-TEST(TextFile, WholeFilesAreReadAsUtf8OrWindows1252)
-{
-    test::TempDir dir;
-    std::string text;
-    test::writeFile(dir.file("utf8.txt"), "\xEF\xBB\xBF" "101\r\n102:L\r\nB\xc3\xbcro\r\n");
-    ASSERT_TRUE(readTextFile(dir.file("utf8.txt"), text));
-    EXPECT_EQ(text, "101\r\n102:L\r\nBüro\r\n");
-    test::writeFile(dir.file("ansi.txt"), "B\xfcro\n");
-    ASSERT_TRUE(readTextFile(dir.file("ansi.txt"), text));
-    EXPECT_EQ(text, "Büro\n");
-    EXPECT_FALSE(readTextFile(dir.file("fehlt.txt"), text));
 }
