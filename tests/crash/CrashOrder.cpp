@@ -1,9 +1,11 @@
 #include "CrashOrder.h"
 
 #include "CAuftragDb.h"
+#include "CInventurDb.h"
 #include "DemoInstallation.h"
 #include "FileSystem.h"
 #include "OrderSchema.h"
+#include "Orders.h"
 #include "ReportLinks.h"
 #include "ScriptedUserInteraction.h"
 #include "Settings.h"
@@ -64,7 +66,7 @@ void writeScanFile(const demo::Installation& inst, int first, int last, const st
 
 CrashOrder::CrashOrder(std::string r)
     : root(std::move(r)), project(root + "/Projekt"), program(root + "/Programm"),
-      order(root + "/Projekt/Inventur/A1.mdb")
+      order(root + "/Projekt/Inventur/A1.mdb"), registry(root + "/Projekt/QInventur.mdb")
 {
 }
 
@@ -88,6 +90,25 @@ void prepareCrashOrder(const CrashOrder& o)
     {
         auto db = Database::create(o.order);
         createOrderSchema(*db);
+        db->execute("INSERT INTO T_Auftrag (stAuftrag) VALUES ('A1')");
+    }
+    {
+        // The project's register naming the order, and the empty order database new orders copy.
+        auto db = Database::create(o.project + "/QAuftrag.mdb");
+        createOrderSchema(*db);
+    }
+    {
+        createRegisterSchema(*Database::create(o.registry));
+        CInventurDb reg;
+        reg.setDbPath(o.registry);
+        reg.OpenDb();
+        CAuftragRec a1;
+        a1.stBezeichung = "A1";
+        a1.stPfad = "\\Inventur\\A1.mdb";
+        a1.stErsteller = "Meier";
+        a1.erstellt = JetDate::fromParts(2025, 3, 1, 8, 0, 0);
+        a1.letzte_Aenderung = a1.erstellt;
+        reg.AddNewAuftragRec(&a1);
     }
     createReportDatabase(o.program + "/QInventurRpt.mdb");
     ScriptedUserInteraction ui;
@@ -124,6 +145,21 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
 {
     ScriptedUserInteraction ui;
     const Settings settings = settingsOf(o);
+    if (operation == "anlegen" || operation == "loeschen") {
+        CInventurDb reg;
+        reg.setDbPath(o.registry);
+        if (!reg.OpenDb())
+            return false;
+        if (operation == "anlegen") {
+            CAuftragRec rec;
+            rec.stBezeichung = kNewOrder;
+            rec.stErsteller = "Schulz";
+            return CreateOrder(reg, settings, ui, rec) == OrderResult::Done;
+        }
+        CAuftragRecColl orders;
+        CAuftragRec* a1 = reg.ReadAllAuftragRec2Coll(orders) ? findOrder(orders, "A1") : nullptr;
+        return a1 && DeleteOrder(reg, settings, ui, *a1) == OrderResult::Done;
+    }
     CAuftragDb db(ui);
     db.setDbPath(o.order);
     if (!db.OpenDb())
