@@ -36,6 +36,10 @@ private:
     std::string folder_;
 };
 
+/// The objects of the difference list per category (rooms without objects have none).
+constexpr const char* kCountPerCategory =
+    "SELECT stTyp, COUNT(*) FROM T_Differenzliste WHERE stTyp <> '' GROUP BY stTyp ORDER BY stTyp";
+
 /// A path given on the command line, made absolute against the working folder.
 std::string absolute(const std::string& path)
 {
@@ -427,8 +431,7 @@ int Session::auswerten()
     work.f_QGebDb = startup_.gebDb.get();
     if (!work.ReportDifferenzListe())
         return kFailure;
-    const Recordset counts = db_->database()->query(
-        "SELECT stTyp, COUNT(*) FROM T_Differenzliste WHERE stTyp <> '' GROUP BY stTyp ORDER BY stTyp");
+    const Recordset counts = db_->database()->query(kCountPerCategory);
     out_ << "Kategorie\tAnzahl\n";
     for (const auto& row : counts.rows())
         out_ << toText(row[0]) << '\t' << toText(row[1]) << '\n';
