@@ -55,6 +55,8 @@ MsgResult ConsoleUserInteraction::messageBox(const std::string& text, MsgButtons
 
 std::optional<std::string> ConsoleUserInteraction::openFile(const FileDialogRequest&) { return std::nullopt; }
 
+std::optional<std::string> ConsoleUserInteraction::saveFile(const FileDialogRequest&) { return std::nullopt; }
+
 bool ConsoleUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     if (policy_ == ConflictPolicy::None)

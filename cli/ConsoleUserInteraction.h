@@ -39,6 +39,8 @@ public:
                          const std::string& title) override;
     /// There is no file dialog: cancelled.
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
+    /// There is no save dialog: cancelled.
+    std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool) override {}
     void processEvents() override {}
     /// Answers by the policy and writes what was decided; without a policy raises UnresolvedConflict.

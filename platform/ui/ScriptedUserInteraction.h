@@ -34,6 +34,7 @@ public:
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
+    std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override { ++eventsProcessed; }
     void showHelp(const std::string& helpFile) override { helpFiles.push_back(helpFile); }
@@ -57,6 +58,8 @@ public:
     // Script
     std::deque<MsgResult> answers;
     std::deque<std::optional<std::string>> fileChoices;
+    /// Answers of the save dialog; without one it is cancelled.
+    std::deque<std::optional<std::string>> saveChoices;
     /// Answers of the conflict dialog (bVerwerfen), one per conflict in turn.
     std::deque<bool> conflictAnswers;
     /// The answer of every conflict beyond the scripted ones: false keeps the first scan, true takes the second.
@@ -65,6 +68,7 @@ public:
     // Record
     std::vector<RecordedMessage> messages;
     std::vector<FileDialogRequest> fileRequests;
+    std::vector<FileDialogRequest> saveRequests;
     std::vector<bool> busyChanges;
     bool busy = false;
     int eventsProcessed = 0;
