@@ -40,14 +40,6 @@ private:
 constexpr const char* kCountPerCategory =
     "SELECT stTyp, COUNT(*) FROM T_Differenzliste WHERE stTyp <> '' GROUP BY stTyp ORDER BY stTyp";
 
-/// A path given on the command line, made absolute against the working folder.
-std::string absolute(const std::string& path)
-{
-    std::error_code ec;
-    const auto p = std::filesystem::absolute(std::filesystem::u8path(path), ec);
-    return ec ? path : p.string();
-}
-
 ExitCode exitCodeOf(FileListResult r)
 {
     switch (r) {
@@ -84,6 +76,13 @@ RoomSpec roomSpec(const std::string& text)
 
 } // namespace
 
+std::string absolutePath(const std::string& path)
+{
+    std::error_code ec;
+    const auto p = std::filesystem::absolute(std::filesystem::u8path(path), ec);
+    return ec ? path : p.string();
+}
+
 Session::Session(const Invocation& inv, std::string programFolder, std::ostream& out, std::ostream& err,
                  bool terminal)
     : inv_(inv), programFolder_(std::move(programFolder)), out_(out), err_(err), ui_(err, terminal)
@@ -117,10 +116,28 @@ int Session::run()
         }
     }
 
+    if (inv_.command == "bericht" || inv_.command == "export") {
+        if (inv_.option("--ausgabe").empty()) {
+            say("Es fehlt --ausgabe " + std::string(inv_.command == "export" ? "ORDNER" : "PFAD") + ".");
+            return kBadArguments;
+        }
+        if (inv_.command == "bericht" && !knownReport(inv_.args.at(1))) {
+            say("Einen Bericht '" + inv_.args.at(1) + "' gibt es nicht. Berichte: " + reportNames() + ".");
+            return kBadArguments;
+        }
+        if (reportFormatOf(inv_).empty()) {
+            say(inv_.options.count("--format")
+                    ? "--format nimmt pdf, xlsx oder csv, nicht '" + inv_.option("--format") + "'."
+                    : "Die Endung von '" + inv_.option("--ausgabe") +
+                          "' nennt kein Format (pdf, xlsx oder csv); geben Sie --format an.");
+            return kBadArguments;
+        }
+    }
+
     if (inv_.projekt.empty()) {
         startup_ = RunStartup(programFolder_, settings_, ui_);
     } else {
-        const GivenProject profile(programFolder_ + "\\Quarn.ini", absolute(inv_.projekt));
+        const GivenProject profile(programFolder_ + "\\Quarn.ini", absolutePath(inv_.projekt));
         startup_ = RunStartup(programFolder_, settings_, ui_, profile);
     }
     if (!startup_.completed)
@@ -161,6 +178,10 @@ int Session::dispatch()
         return neuEinlesen();
     if (c == "auswerten")
         return auswerten();
+    if (c == "bericht")
+        return bericht();
+    if (c == "export")
+        return exportAll();
     if (c == "archiv")
         return archiv();
     return kBadArguments;
@@ -323,7 +344,7 @@ int Session::hinzufuegen()
 {
     std::vector<std::string> files;
     for (std::size_t i = 1; i < inv_.args.size(); ++i) {
-        const std::string path = absolute(inv_.args[i]);
+        const std::string path = absolutePath(inv_.args[i]);
         if (!fileExists(path)) {
             say("Die Datei '" + displayPath(path) + "' gibt es nicht.");
             return kFileMissing;

@@ -15,8 +15,21 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace qi::cli {
+
+/// A path given on the command line, made absolute against the working folder.
+std::string absolutePath(const std::string& path);
+
+/// The names of the reports and error lists, as the command line knows them ("artikel, raumerfassung, ...").
+std::string reportNames();
+/// Whether a report or error list has that name.
+bool knownReport(const std::string& name);
+/// The format a report command writes: --format, else (for bericht) the extension of --ausgabe,
+/// else (for export) "pdf"; empty when it is no format of the command line.
+std::string reportFormatOf(const Invocation& inv);
 
 class Session {
 public:
@@ -43,6 +56,8 @@ private:
     int auswerten();
     int bericht();
     int exportAll();
+    /// Writes the reports (name, output file) of the order the first argument names in the format.
+    int writeReports(const std::vector<std::pair<std::string, std::string>>& reports, const std::string& format);
     int archiv();
 
     /// Runs a change of the order's scan data as one: a refusal, a failure or a conflict without

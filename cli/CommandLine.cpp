@@ -119,6 +119,48 @@ std::vector<CommandSpec> makeCommands()
                  "Kategorie und Anzahl, durch einen Tabulator getrennt, mit einer Kopfzeile.\n",
                  1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
                  {"qinventur-cli auswerten \"Lager Süd\""}});
+    c.push_back({"bericht", "bericht NAME BERICHT --ausgabe PFAD [--format pdf|xlsx|csv]",
+                 "Bericht oder Fehlerliste schreiben",
+                 "Schreibt einen Bericht oder eine Fehlerliste des Auftrags in eine Datei, mit derselben\n"
+                 "Vorbereitung wie die Menüs des Auftragsfensters (Differenzberichte und Fehlerlisten\n"
+                 "erstellen zuerst die Differenzliste neu). BERICHT ist einer von:\n"
+                 "  artikel             Berichte: Artikel (Artikelaufstellung)\n"
+                 "  raumerfassung       Berichte: Raumerfassung (Raumliste)\n"
+                 "  inventur            Berichte: Inventur (Inventurliste)\n"
+                 "  inventurauswertung  Berichte: Inventurauswertung (Differenzliste)\n"
+                 "  differenz           Berichte: Differenz (Differenzliste)\n"
+                 "  neu                 Fehlerlisten: Neues Inventar\n"
+                 "  verschoben          Fehlerlisten: Verschobenes Inventar\n"
+                 "  fehlend             Fehlerlisten: Fehlendes Inventar\n"
+                 "\n"
+                 "Wie im Auftragsfenster kürzt eine Fehlerliste die Differenzliste des Auftrags auf\n"
+                 "ihre Zeilen; der nächste Differenzbericht, die nächste Fehlerliste oder \"auswerten\"\n"
+                 "erstellen sie wieder vollständig.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --ausgabe PFAD         die Datei, die geschrieben wird (eine vorhandene wird ersetzt)\n"
+                 "  --format pdf|xlsx|csv  die Art der Datei: pdf die gedruckten Seiten, xlsx eine\n"
+                 "                         Tabelle, csv Zeilen mit Semikolons in UTF-8; ohne --format\n"
+                 "                         nach der Endung von PFAD\n",
+                 2, 2, {"--ausgabe", "--format"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli bericht \"Lager Süd\" differenz --format pdf --ausgabe differenz.pdf",
+                  "qinventur-cli bericht \"Lager Süd\" fehlend --ausgabe fehlend.csv"}});
+    c.push_back({"export", "export NAME --ausgabe ORDNER [--format pdf|xlsx|csv]",
+                 "alle Berichte und Fehlerlisten schreiben",
+                 "Schreibt alle Berichte und Fehlerlisten des Auftrags (siehe \"bericht --help\") in den\n"
+                 "Ordner ORDNER, der angelegt wird, wenn es ihn nicht gibt: je eine Datei\n"
+                 "BERICHT.FORMAT, zum Beispiel differenz.pdf. Vorhandene Dateien werden ersetzt. Die\n"
+                 "Fehlerlisten kommen zuletzt: danach enthält die Differenzliste die Zeilen der\n"
+                 "fehlenden Objekte.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --ausgabe ORDNER       der Ordner für die Dateien\n"
+                 "  --format pdf|xlsx|csv  die Art der Dateien (ohne --format: pdf)\n",
+                 1, 1, {"--ausgabe", "--format"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli export \"Lager Süd\" --ausgabe berichte", 
+                  "qinventur-cli export \"Lager Süd\" --ausgabe berichte --format xlsx"}});
     c.push_back({"archiv", "archiv NAME", "Scandaten in einer Datei zusammenfassen",
                  "Fasst die Scandaten des Auftrags in einer Datei zusammen, wie \"Scandaten\n"
                  "zusammenfassen\" im Auftragsfenster: \"Inventur\\NAME.dat\" im Projektordner, eine Zeile\n"
@@ -310,6 +352,8 @@ std::string overallHelp()
     out += exampleLines({"qinventur-cli auftraege", "qinventur-cli anlegen \"Lager Süd\" --mitarbeiter Meier",
                          "qinventur-cli raeume \"Lager Süd\" --setzen 1.01 1.02 1.03:L",
                          "qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan1.dat --konflikt behalten",
+                         "qinventur-cli bericht \"Lager Süd\" differenz --ausgabe differenz.pdf",
+                         "qinventur-cli export \"Lager Süd\" --ausgabe berichte",
                          "qinventur-cli raeume --help"});
     return out;
 }
