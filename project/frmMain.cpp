@@ -1,12 +1,9 @@
 #include "frmMain.h"
 
 #include "CAuftragDb.h"
-#include "FileSystem.h"
 #include "HelpTools.h"
 #include "ListView.h"
-#include "ReportLinks.h"
 #include "Startup.h"
-#include "TableRecordset.h"
 #include "WindowState.h"
 #include "frmAbout.h"
 #include "frmAufNeu.h"
@@ -20,26 +17,13 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <filesystem>
 #include <stdexcept>
 
 namespace qi {
 
 namespace {
 
-/// Run-time errors of the window's own steps, with the system's descriptions.
-namespace rterr {
-inline constexpr const char* NoObject = "Objektvariable oder With-Blockvariable nicht festgelegt";
-inline constexpr const char* InvalidCall = "Ungültiger Prozeduraufruf oder ungültiges Argument";
-inline constexpr const char* BadFileName = "Dateiname oder -nummer falsch";
-inline constexpr const char* FileNotFound = "Datei nicht gefunden";
-inline constexpr const char* PathFileAccess = "Fehler beim Zugriff auf Pfad/Datei";
-inline constexpr const char* PathNotFound = "Pfad nicht gefunden";
-} // namespace rterr
-
 constexpr const char* kKeyPrefix = "A ";
-constexpr const char* kOrderFolder = "Inventur";
-constexpr const char* kTemplateOrderDb = "QAuftrag.mdb";
 constexpr const char* kHelpFile = "QInventur.html";
 
 struct RunError : std::runtime_error {
@@ -54,35 +38,7 @@ std::string trim(const std::string& s)
     return s.substr(b, s.find_last_not_of(' ') - b + 1);
 }
 
-/// True when the name can be a file name inside the order folder: no path
-/// separators, drive or parent-folder steps, none of the characters that file
-/// names cannot hold on the systems the projects live on.
-bool isPlainFileName(const std::string& name)
-{
-    if (name.empty() || name.find("..") != std::string::npos)
-        return false;
-    for (unsigned char c : name)
-        if (c < 0x20 || std::string_view("<>:\"/\\|?*").find(char(c)) != std::string_view::npos)
-            return false;
-    return true;
-}
-
-/// True when `file` lies directly in `folder`, after resolving every "." and "..".
-bool liesDirectlyIn(const std::string& file, const std::string& folder)
-{
-    namespace fs = std::filesystem;
-    std::error_code ec1, ec2;
-    // Only the folders are resolved: the file's own name is not looked up (a name too long
-    // for the file system fails later, in the copy).
-    const fs::path f = fs::absolute(fs::u8path(nativePath(file)));
-    const fs::path parent = fs::weakly_canonical(f.parent_path(), ec1);
-    const fs::path d = fs::weakly_canonical(fs::absolute(fs::u8path(nativePath(folder))), ec2);
-    return !ec1 && !ec2 && parent == d && f.filename() != "." && f.filename() != "..";
-}
-
 } // namespace
-
-std::string ordermsg::deleteQuestion(const std::string& name) { return "Auftrag '" + name + "' löschen ?"; }
 
 frmMain::frmMain(UserInteraction& ui, std::string programFolder, QWidget* parent)
     : QMainWindow(parent), ui_(ui), programFolder_(std::move(programFolder))
@@ -207,7 +163,7 @@ void frmMain::InitAuftraege()
     lvAuftraege->clear();
     detachCurrent();
     if (!inventurDb_) {
-        ui_.showError(mainlabel::InitAuftraege, rterr::NoObject);
+        ui_.showError(mainlabel::InitAuftraege, kNoObject);
         return;
     }
     if (!inventurDb_->ReadAllAuftragRec2Coll(collAuftraege_)) {
@@ -275,32 +231,18 @@ void frmMain::lvAuftraege_DblClick()
         if (!rec)
             throw RunError(rterr::InvalidCall);
         setCurrent(rec);
-
-        std::string path = rec->stPfad;
-        if (!path.empty() && path.front() == '\\')
-            path = settings_.gstProjektPfad + path.substr(1);
-        dbAuftrag_->setDbPath(path);
-
-        rec->letzte_Aenderung = JetDate::now();
-        rec->bOffen = -1;
         if (!inventurDb_)
-            throw RunError(rterr::NoObject);
-        if (!inventurDb_->EditAuftragRec(rec))
-            throw RunError(inventurDb_->LastError());
-
-        dbAuftrag_->setOpenReadOnly(Value(std::int64_t{0}));
-        if (!dbAuftrag_->OpenDb())
-            throw RunError(dbAuftrag_->LastError());
-
-        CheckReportMdbLink(settings_, dbAuftrag_->DbPath(), ui_);
+            throw RunError(kNoObject);
+        if (OpenOrderDatabase(*inventurDb_, settings_, ui_, *rec, *dbAuftrag_) != OrderResult::Done)
+            return;
 
         if (!orderWindowFactory_)
-            throw RunError(rterr::NoObject);
+            throw RunError(kNoObject);
         if (workWindow_)
             workWindow_->deleteLater();
         workWindow_ = orderWindowFactory_(OpenOrder{*dbAuftrag_, settings_, ui_, this});
         if (!workWindow_)
-            throw RunError(rterr::NoObject);
+            throw RunError(kNoObject);
         connect(workWindow_.data(), &OrderWindow::unloaded, this, [this] {
             setActiveState(true);
             update();
@@ -370,22 +312,13 @@ std::pair<std::string, std::string> frmMain::askNewOrder()
 void frmMain::MakeNewOrder()
 {
     if (!inventurDb_) {
-        ui_.showError(mainlabel::MakeNewOrder, rterr::NoObject);
+        ui_.showError(mainlabel::MakeNewOrder, kNoObject);
         return;
     }
     std::string name, person;
-    for (;;) {
+    do
         std::tie(name, person) = askNewOrder();
-        bool duplicate = false;
-        for (int i = 0; i < lvAuftraege->topLevelItemCount(); ++i)
-            if (lvAuftraege->topLevelItem(i)->text(0).toStdString() == name) {
-                ui_.messageBox(ordermsg::Duplicate, MsgButtons::Ok, MsgIcon::Exclamation, ordermsg::DuplicateTitle);
-                duplicate = true;
-                break;
-            }
-        if (!duplicate)
-            break;
-    }
+    while (refuseTakenName(collAuftraege_, name, ui_));
 
     detachCurrent();
     newCurrent();
@@ -397,55 +330,8 @@ void frmMain::MakeNewOrder()
     rec.Init();
     rec.stBezeichung = name;
     rec.stErsteller = person;
-    rec.erstellt = JetDate::now();
-    rec.letzte_Aenderung = rec.erstellt;
-
-    std::string path;
-    if (!MakeDatabase(path)) {
-        // Without its database the order is not registered.
-        InitAuftraege();
-        return;
-    }
-    const std::string& project = settings_.gstProjektPfad;
-    if (path.find(project) != std::string::npos)
-        path = "\\" + path.substr(project.size());
-    rec.stPfad = path;
-
-    if (!inventurDb_->AddNewAuftragRec(&rec))
-        ui_.showError(mainlabel::MakeNewOrder, inventurDb_->LastError());
+    CreateOrder(*inventurDb_, settings_, ui_, rec);
     InitAuftraege();
-}
-
-bool frmMain::MakeDatabase(std::string& path)
-{
-    try {
-        const std::string name = recAuftrag_ ? recAuftrag_->stBezeichung : std::string();
-        const std::string folder = settings_.gstProjektPfad + kOrderFolder;
-        if (!folderExists(folder) && !createFolder(folder))
-            throw RunError(rterr::PathNotFound);
-        if (!isPlainFileName(name))
-            throw RunError(rterr::BadFileName);
-        const std::string target = folder + "\\" + name + ".mdb";
-        if (!liesDirectlyIn(target, folder))
-            throw RunError(rterr::BadFileName);
-
-        const std::string source = settings_.gstProjektPfad + kTemplateOrderDb;
-        if (!fileExists(source))
-            throw RunError(rterr::FileNotFound);
-        if (!copyFile(source, target))
-            throw RunError(rterr::PathFileAccess);
-
-        auto db = Database::open(target);
-        TableRecordset rs(*db, "T_Auftrag");
-        rs.addNew();
-        rs.setField("stAuftrag", name);
-        rs.update();
-        path = target;
-        return true;
-    } catch (const std::exception& e) {
-        ui_.showError(mainlabel::MakeDatabase, e.what());
-        return false;
-    }
 }
 
 void frmMain::closeWorkWindow()
@@ -473,20 +359,14 @@ void frmMain::deleteSelectedOrder()
         CAuftragRec* rec = recordOfItem(item);
         if (!rec)
             throw RunError(rterr::InvalidCall);
-        const std::int32_t id = rec->lID;
 
-        // Closing the window, releasing the database and deleting the file may fail unnoticed.
+        // The window goes with the order's database, which must be released before its file is deleted.
         closeWorkWindow();
         dbAuftrag_.reset();
-        std::string relative = rec->stPfad;
-        if (!relative.empty() && relative.front() == '\\')
-            relative.erase(0, 1);
-        removeFile(settings_.gstProjektPfad + relative);
-
         if (!inventurDb_)
-            throw RunError(rterr::NoObject);
-        if (!inventurDb_->DelAuftragRec(id))
-            throw RunError(inventurDb_->LastError());
+            throw RunError(kNoObject);
+        if (DeleteOrder(*inventurDb_, settings_, ui_, *rec) != OrderResult::Done)
+            return;
         InitAuftraege();
         closeWorkWindow();
     } catch (const std::exception& e) {
@@ -513,7 +393,7 @@ void frmMain::Form_Unload()
         if (recAuftrag_->lID > 0) {
             const bool saved = inventurDb_ && inventurDb_->EditAuftragRec(recAuftrag_);
             if (!saved) {
-                ui_.showError(mainlabel::Unload, inventurDb_ ? inventurDb_->LastError() : rterr::NoObject);
+                ui_.showError(mainlabel::Unload, inventurDb_ ? inventurDb_->LastError() : kNoObject);
                 return;
             }
         }

@@ -9,6 +9,7 @@
 #include "RecColl.h"
 #include "Settings.h"
 #include "OrderWindow.h"
+#include "Orders.h"
 #include "UserInteraction.h"
 
 #include <QMainWindow>
@@ -28,28 +29,6 @@ class QTreeWidgetItem;
 namespace qi {
 
 class CAuftragDb;
-
-/// Labels of the common error message of the main window's procedures.
-namespace mainlabel {
-inline constexpr const char* InitAuftraege = "frmMain.InitAuftraege";
-inline constexpr const char* DblClick = "frmMain.lvAuftraege_DblClick";
-inline constexpr const char* DateiFkt = "frmMain.mnuDateiFkt_Click";
-inline constexpr const char* Paint = "frmMain.Form_Paint";
-inline constexpr const char* Unload = "frmMain.Form_Unload";
-inline constexpr const char* MakeNewOrder = "frmMain.MakeNewOrder";
-inline constexpr const char* MakeDatabase = "frmMain.MakeDatabase";
-} // namespace mainlabel
-
-/// Messages of the order commands.
-namespace ordermsg {
-inline constexpr const char* Duplicate = "Es existiert bereits ein Auftrag mit diesem Namen!";
-inline constexpr const char* DuplicateTitle = "Problem";
-inline constexpr const char* SelectFirst = "Zu löschenden Auftrag zuerst auswählen!";
-inline constexpr const char* SelectFirstTitle = "Achtung";
-inline constexpr const char* DeleteTitle = "Quarn";
-/// "Auftrag '" + name + "' löschen ?"
-std::string deleteQuestion(const std::string& name);
-} // namespace ordermsg
 
 /// Menu indexes of the file and help menus.
 namespace menuindex {
@@ -126,8 +105,6 @@ private:
     void buildWindow();
     /// Order name and employee from the new-order dialog (empty name when cancelled).
     std::pair<std::string, std::string> askNewOrder();
-    /// Creates the current-order record's database file; its full path in `path`.
-    bool MakeDatabase(std::string& path);
     void deleteSelectedOrder();
     /// The record of a list entry ("A " + lID), or null.
     CAuftragRec* recordOfItem(const QTreeWidgetItem* item);

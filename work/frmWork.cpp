@@ -255,27 +255,47 @@ bool frmWork::DatEinlesen()
 
 // ---------------------------------------------------------------- data file list
 
-void frmWork::pbAdd_Click()
+FileListResult frmWork::RoomsSelected()
 {
     try {
         check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);
-        if (f_collRooms.Count() == 0) {
-            ui_.messageBox(kKeinRaum, MsgButtons::Ok, MsgIcon::Exclamation, "Problem");
-            return;
-        }
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.pbAdd_Click", e.what());
+        return FileListResult::Failed;
+    }
+    if (f_collRooms.Count() > 0)
+        return FileListResult::Done;
+    ui_.messageBox(kKeinRaum, MsgButtons::Ok, MsgIcon::Exclamation, "Problem");
+    return FileListResult::NoRooms;
+}
 
+FileListResult frmWork::pbAdd_Click()
+{
+    if (const FileListResult rooms = RoomsSelected(); rooms != FileListResult::Done)
+        return rooms;
+    std::optional<std::string> chosen;
+    try {
         FileDialogRequest request;
         // Before the first file the dialog opens in the project folder, where scanner
         // files are usually put; afterwards in the folder of the file added last.
         request.startFolder = f_stfilename.empty() ? settings_.gstProjektPfad : folderPart(f_stfilename);
         request.filter = kFilter;
         request.filterIndex = 2;
-        const std::optional<std::string> chosen = ui_.openFile(request);
-        if (!chosen || chosen->empty())
-            return;
+        chosen = ui_.openFile(request);
+    } catch (const std::exception& e) {
+        ui_.showError("frmWork.pbAdd_Click", e.what());
+        return FileListResult::Failed;
+    }
+    if (!chosen || chosen->empty())
+        return FileListResult::Cancelled;
+    return AddDataFile(*chosen);
+}
 
+FileListResult frmWork::AddDataFile(const std::string& path)
+{
+    try {
         ui_.setBusy(true);
-        f_stfilename = *chosen;
+        f_stfilename = path;
 
         CDateienRec datei;
         datei.stName = fileNamePart(f_stfilename);
@@ -289,51 +309,56 @@ void frmWork::pbAdd_Click()
             datei.Datum = GetField(firstLine, ",", 3);
         }
 
-        const auto refuse = [this](const char* text) {
+        const auto refuse = [this](const char* text, FileListResult why) {
             ui_.setBusy(false);
             ui_.messageBox(text, MsgButtons::Ok, MsgIcon::None, kTitle);
+            return why;
         };
         if (RaeumeNichtInAuftrag())
-            return refuse(kRaeumeNichtInAuftrag);
+            return refuse(kRaeumeNichtInAuftrag, FileListResult::RoomsNotInOrder);
         if (VerschiedeneTage())
-            return refuse(kVerschiedeneTage);
+            return refuse(kVerschiedeneTage, FileListResult::SeveralDays);
         if (RaeumeVorhanden())
-            return refuse(kRaeumeVorhanden);
+            return refuse(kRaeumeVorhanden, FileListResult::RoomsAlreadyRead);
 
         // The file's row, its scan lines, their numbers and the rooms' status are written as
         // one: a process that dies on the way leaves the order as it was before the file.
         KeptTransaction tx(f_DBAuftrag);
         if (!f_DBAuftrag.AddNewDateienRec(&datei))
-            return refuse(kSchonHinzugefuegt);
+            return refuse(kSchonHinzugefuegt, FileListResult::AlreadyAdded);
 
         f_lDatId = datei.lID;
         ui_.processEvents();
-        DatEinlesen();
+        bool ok = DatEinlesen();
         ui_.processEvents();
         if (f_DBAuftrag.SetStatusRoomsByDB()) {
             Init();
             InitData();
+        } else {
+            ok = false;
         }
         tx.commit();
         ui_.setBusy(false);
+        return ok ? FileListResult::Done : FileListResult::Failed;
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbAdd_Click", e.what());
+        return FileListResult::Failed;
     }
 }
 
-void frmWork::pbRemove_Click(const std::string& itemKey, const std::string& itemText)
+FileListResult frmWork::pbRemove_Click(const std::string& itemKey, const std::string& itemText)
 {
     if (itemKey.empty())
-        return;
+        return FileListResult::Cancelled;
     try {
         if (!ui_.askYesNo("Die Datei '" + itemText +
                               "' entfernen und Inventurdaten entsprechen verbleibenden Dateien aktualisieren ?",
                           kTitle))
-            return;
+            return FileListResult::Cancelled;
     } catch (const std::exception& e) {
         ui_.showError("frmWork.pbRemove_Click", e.what());
-        return;
+        return FileListResult::Failed;
     }
     // The file's row goes with the rebuild: a process that dies on the way leaves the order as it was.
     KeptTransaction tx(f_DBAuftrag);
@@ -344,9 +369,9 @@ void frmWork::pbRemove_Click(const std::string& itemKey, const std::string& item
         f_stfilename.clear();
     } catch (const std::exception& e) {
         ui_.showError("frmWork.pbRemove_Click", e.what());
-        return;
+        return FileListResult::Failed;
     }
-    pbNeu_Click();
+    return pbNeu_Click();
 }
 
 void frmWork::lvDateien_DblClick(const std::string& itemKey)
@@ -380,7 +405,7 @@ void frmWork::clearScanData()
     InitData();
 }
 
-void frmWork::pbNeu_Click()
+FileListResult frmWork::pbNeu_Click()
 {
     // All scan data are made anew as one: a process that dies on the way leaves the order as
     // it was; the specified stops (a missing file, rooms read twice) keep what they left.
@@ -391,6 +416,7 @@ void frmWork::pbNeu_Click()
 
         ProgressScope progress(*this, kProgressTitle);
         bool conflict = false;
+        bool ok = true;
         CDateienRec* datei = nullptr;
         f_collDateien.ResetIndex();
         while (f_collDateien.GetNext(datei)) {
@@ -402,14 +428,14 @@ void frmWork::pbNeu_Click()
                                    " ist an dieser Stelle nicht mehr vorhanden. Stellen Sie den alten Zustand "
                                    "wieder her oder bauen Sie die Dateiliste neu auf",
                                MsgButtons::Ok, MsgIcon::None, kTitle);
-                return;
+                return FileListResult::FileMissing;
             }
             f_lDatId = datei->lID;
             if (RaeumeVorhanden()) {
                 conflict = true;
                 break;
             }
-            GetDataFromDat();
+            ok = GetDataFromDat() && ok;
         }
         progress.end();
 
@@ -419,19 +445,23 @@ void frmWork::pbNeu_Click()
                                " sind Daten von Räumen, die von einer vorhergehenden Datei bereits eingelesen wurden.",
                            MsgButtons::Ok, MsgIcon::None, kTitle);
             clearScanData();
-            return;
+            return FileListResult::RoomsAlreadyRead;
         }
 
-        f_DBAuftrag.WriteReihenfolgeDatInventur();
+        ok = f_DBAuftrag.WriteReihenfolgeDatInventur() && ok;
         if (f_DBAuftrag.SetStatusRoomsByDB()) {
             Init();
             InitData();
+        } else {
+            ok = false;
         }
         tx.commit();
         ui_.setBusy(false);
+        return ok ? FileListResult::Done : FileListResult::Failed;
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbNeu_Click", e.what());
+        return FileListResult::Failed;
     }
 }
 

@@ -29,6 +29,19 @@ struct ListItem {
     std::vector<std::string> subItems;
 };
 
+/// What became of a command of the data file list; every refusal has told the user why.
+enum class FileListResult {
+    Done,
+    Cancelled,        ///< the file dialog or the question was cancelled
+    NoRooms,          ///< the order has no rooms yet
+    RoomsNotInOrder,  ///< the file holds rooms that are not rooms of the order
+    SeveralDays,      ///< the file holds scans of different days
+    RoomsAlreadyRead, ///< scans of a room of the file are held already (also between the files of a rebuild)
+    AlreadyAdded,     ///< a file of that name was added to the order before
+    FileMissing,      ///< a file of the order is no longer at its place (rebuild)
+    Failed,           ///< an error was reported
+};
+
 /// The work window's logic. Borrows the order database, the settings and the user
 /// interaction for the lifetime of the object.
 class frmWork {
@@ -49,15 +62,22 @@ public:
 
     // ------------------------------------------------------------ commands
 
-    /// "&Hinzufügen": asks for a data file, checks it, records it in T_Dateien and imports it.
-    void pbAdd_Click();
+    /// "&Hinzufügen": once the order has rooms, asks for a data file and adds it (AddDataFile).
+    FileListResult pbAdd_Click();
+    /// Whether a data file can be added: Done when the order has rooms, NoRooms after
+    /// "Zuerst müssen Räume ausgewählt werden!", Failed after the error message.
+    FileListResult RoomsSelected();
+    /// Adds the data file `path` as "&Hinzufügen" does after its dialog: checks the whole file,
+    /// records it in T_Dateien, imports it, numbers the scans and sets the rooms' status, as one
+    /// change of the order. A refused file leaves no trace.
+    FileListResult AddDataFile(const std::string& path);
     /// "&Entfernen": after the question, removes the data file of the selected entry
-    /// (its key "$" + lDatID and its text) and rebuilds. An empty key does nothing.
-    void pbRemove_Click(const std::string& itemKey, const std::string& itemText);
+    /// (its key "$" + lDatID and its text) and rebuilds. An empty key does nothing (Cancelled).
+    FileListResult pbRemove_Click(const std::string& itemKey, const std::string& itemText);
     /// Double click on a data file entry: opens the file in the text editor.
     void lvDateien_DblClick(const std::string& itemKey);
     /// "&Auswertung aktualisieren": clears the order's scan data and reads all data files again.
-    void pbNeu_Click();
+    FileListResult pbNeu_Click();
     /// Writes all scan lines of the order to "Inventur\<order>.dat" in the project folder.
     /// Answers the archive's path, or an empty text after the error message.
     std::string MakeArchive();

@@ -101,8 +101,25 @@ std::string connectDatabaseFile(const std::string& connect)
     if (p == std::string::npos)
         return {};
     const auto start = p + 9;
-    const auto end = connect.find(';', start);
-    return connect.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    // A file or folder name may hold semicolons: the path ends only where a semicolon begins
+    // the next "KEY=" of the connect string (letters, digits, blanks and '_' before an equals
+    // sign), or ends the connect string.
+    for (auto end = connect.find(';', start); end != std::string::npos; end = connect.find(';', end + 1)) {
+        if (end + 1 == connect.size())
+            return connect.substr(start, end - start);
+        const auto eq = connect.find('=', end + 1);
+        const auto next = connect.find(';', end + 1);
+        if (eq == std::string::npos || (next != std::string::npos && next < eq))
+            continue;
+        const std::string key = connect.substr(end + 1, eq - end - 1);
+        const bool isKey = key.find_first_not_of(' ') != std::string::npos &&
+                           std::all_of(key.begin(), key.end(), [](unsigned char c) {
+                               return std::isalnum(c) || c == ' ' || c == '_';
+                           });
+        if (isKey)
+            return connect.substr(start, end - start);
+    }
+    return connect.substr(start);
 }
 
 void LinkedDatabase::createSchema(Database& db)

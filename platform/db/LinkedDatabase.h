@@ -37,7 +37,8 @@ struct TableLink {
 };
 
 /// The Jet file that a connect string names (";DATABASE=<file>"), or empty
-/// for ODBC and other connect strings.
+/// for ODBC and other connect strings. The file's path may hold semicolons; it ends
+/// where a semicolon begins the next "KEY=" (";DATABASE=a;b.mdb;PWD=x" names "a;b.mdb").
 std::string connectDatabaseFile(const std::string& connect);
 /// True for an ODBC connect string ("ODBC;DSN=..." or "ODBC;DRIVER=...").
 bool isOdbcConnect(const std::string& connect);

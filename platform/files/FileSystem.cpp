@@ -4,6 +4,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace qi {
 
 namespace fs = std::filesystem;
@@ -113,6 +116,23 @@ bool removeFile(const std::string& path)
 {
     std::error_code ec;
     return fs::remove(fs::u8path(nativePath(path)), ec) && !ec;
+}
+
+bool moveFile(const std::string& from, const std::string& to)
+{
+    std::error_code ec;
+    const fs::path target = fs::u8path(nativePath(to));
+    fs::rename(fs::u8path(nativePath(from)), target, ec);
+    if (ec)
+        return false;
+    // The new name is on the disk once the folder is.
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+    return true;
 }
 
 std::string fileNamePart(const std::string& path)

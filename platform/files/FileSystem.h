@@ -31,6 +31,10 @@ bool createFolder(const std::string& path);
 bool copyFile(const std::string& from, const std::string& to);
 /// Deletes a file; false when it was not there or could not be deleted.
 bool removeFile(const std::string& path);
+/// Gives a file another name in the same folder, replacing a file of that name in one step
+/// (a process that dies finds either the old or the new file there), and writes the folder
+/// to the disk. False on failure.
+bool moveFile(const std::string& from, const std::string& to);
 /// Everything after the last backslash (or slash).
 std::string fileNamePart(const std::string& path);
 /// Everything up to and including the last backslash (or slash); empty if there is none.

@@ -4,8 +4,6 @@
 #include "JetCollation.h"
 #include "TextFile.h"
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string_view>
 
@@ -27,21 +25,6 @@ std::string_view trim(std::string_view s)
 /// Names compared as Windows does: letter case ignored (both are trimmed already).
 bool sameName(std::string_view a, std::string_view b) { return jetEqual(a, b); }
 
-/// The file's text as UTF-8; nothing when it can't be read.
-bool readText(const std::string& file, std::string& text)
-{
-    if (!fileExists(file))
-        return false;
-    std::ifstream in(nativePath(file), std::ios::binary);
-    if (!in)
-        return false;
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (bytes.rfind("\xEF\xBB\xBF", 0) == 0)
-        bytes.erase(0, 3);
-    text = isUtf8(bytes) ? std::move(bytes) : fromWindows1252(bytes);
-    return true;
-}
-
 std::string_view stripQuotes(std::string_view v)
 {
     if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front())
@@ -55,7 +38,7 @@ std::string readProfileValue(const std::string& file, const std::string& section
                              const std::string& defaultValue)
 {
     std::string text;
-    if (!readText(file, text))
+    if (!readTextFile(file, text))
         return defaultValue;
     const std::string_view wantedSection = trim(section);
     const std::string_view wantedKey = trim(key);

@@ -4,6 +4,8 @@
 #include "FileSystem.h"
 
 #include <array>
+#include <fstream>
+#include <iterator>
 #include <unordered_map>
 
 namespace qi {
@@ -117,16 +119,39 @@ bool isUtf8(std::string_view s)
 {
     for (std::size_t i = 0; i < s.size();) {
         const auto b = static_cast<unsigned char>(s[i]);
-        const std::size_t len = b < 0x80 ? 1 : (b & 0xE0) == 0xC0 && b >= 0xC2 ? 2 : (b & 0xF0) == 0xE0 ? 3
-                              : (b & 0xF8) == 0xF0 && b <= 0xF4                ? 4
-                                                                               : 0;
+        const std::size_t len = b < 0x80                             ? 1
+                                : b >= 0xC2 && b <= 0xDF             ? 2
+                                : (b & 0xF0) == 0xE0                 ? 3
+                                : b >= 0xF0 && b <= 0xF4             ? 4
+                                                                     : 0;
         if (len == 0 || i + len > s.size())
             return false;
         for (std::size_t k = 1; k < len; ++k)
             if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80)
                 return false;
+        if (len > 2) {
+            // The second byte rules out overlong forms, surrogates and values past U+10FFFF.
+            const auto second = static_cast<unsigned char>(s[i + 1]);
+            if ((b == 0xE0 && second < 0xA0) || (b == 0xED && second >= 0xA0) || (b == 0xF0 && second < 0x90) ||
+                (b == 0xF4 && second >= 0x90))
+                return false;
+        }
         i += len;
     }
+    return true;
+}
+
+bool readTextFile(const std::string& path, std::string& text)
+{
+    if (!fileExists(path))
+        return false;
+    std::ifstream in(nativePath(path), std::ios::binary);
+    if (!in)
+        return false;
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (bytes.rfind("\xEF\xBB\xBF", 0) == 0)
+        bytes.erase(0, 3);
+    text = isUtf8(bytes) ? std::move(bytes) : fromWindows1252(bytes);
     return true;
 }
 

@@ -38,7 +38,7 @@ bool ScriptedUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     conflicts.push_back(info);
     if (conflictAnswers.empty())
-        return false;
+        return conflictDefault;
     const bool r = conflictAnswers.front();
     conflictAnswers.pop_front();
     return r;

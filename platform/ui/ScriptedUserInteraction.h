@@ -60,8 +60,10 @@ public:
     std::deque<std::optional<std::string>> fileChoices;
     /// Answers of the save dialog; without one it is cancelled.
     std::deque<std::optional<std::string>> saveChoices;
-    /// Answers of the conflict dialog (bVerwerfen); without one the first scan is kept.
+    /// Answers of the conflict dialog (bVerwerfen), one per conflict in turn.
     std::deque<bool> conflictAnswers;
+    /// The answer of every conflict beyond the scripted ones: false keeps the first scan, true takes the second.
+    bool conflictDefault = false;
 
     // Record
     std::vector<RecordedMessage> messages;

@@ -1,9 +1,11 @@
 #include "CrashOrder.h"
 
 #include "CAuftragDb.h"
+#include "CInventurDb.h"
 #include "DemoInstallation.h"
 #include "FileSystem.h"
 #include "OrderSchema.h"
+#include "Orders.h"
 #include "ReportLinks.h"
 #include "ScriptedUserInteraction.h"
 #include "Settings.h"
@@ -59,18 +61,12 @@ void writeScanFile(const demo::Installation& inst, int first, int last, const st
     }
 }
 
-void hexOf(std::uint64_t h, std::string& out)
-{
-    static const char* digits = "0123456789abcdef";
-    for (int i = 60; i >= 0; i -= 4)
-        out += digits[(h >> i) & 0xF];
-}
 
 } // namespace
 
 CrashOrder::CrashOrder(std::string r)
     : root(std::move(r)), project(root + "/Projekt"), program(root + "/Programm"),
-      order(root + "/Projekt/Inventur/A1.mdb")
+      order(root + "/Projekt/Inventur/A1.mdb"), registry(root + "/Projekt/QInventur.mdb")
 {
 }
 
@@ -94,6 +90,25 @@ void prepareCrashOrder(const CrashOrder& o)
     {
         auto db = Database::create(o.order);
         createOrderSchema(*db);
+        db->execute("INSERT INTO T_Auftrag (stAuftrag) VALUES ('A1')");
+    }
+    {
+        // The project's register naming the order, and the empty order database new orders copy.
+        auto db = Database::create(o.project + "/QAuftrag.mdb");
+        createOrderSchema(*db);
+    }
+    {
+        createRegisterSchema(*Database::create(o.registry));
+        CInventurDb reg;
+        reg.setDbPath(o.registry);
+        reg.OpenDb();
+        CAuftragRec a1;
+        a1.stBezeichung = "A1";
+        a1.stPfad = "\\Inventur\\A1.mdb";
+        a1.stErsteller = "Meier";
+        a1.erstellt = JetDate::fromParts(2025, 3, 1, 8, 0, 0);
+        a1.letzte_Aenderung = a1.erstellt;
+        reg.AddNewAuftragRec(&a1);
     }
     createReportDatabase(o.program + "/QInventurRpt.mdb");
     ScriptedUserInteraction ui;
@@ -130,6 +145,21 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
 {
     ScriptedUserInteraction ui;
     const Settings settings = settingsOf(o);
+    if (operation == "anlegen" || operation == "loeschen") {
+        CInventurDb reg;
+        reg.setDbPath(o.registry);
+        if (!reg.OpenDb())
+            return false;
+        if (operation == "anlegen") {
+            CAuftragRec rec;
+            rec.stBezeichung = kNewOrder;
+            rec.stErsteller = "Schulz";
+            return CreateOrder(reg, settings, ui, rec) == OrderResult::Done;
+        }
+        CAuftragRecColl orders;
+        CAuftragRec* a1 = reg.ReadAllAuftragRec2Coll(orders) ? findOrder(orders, "A1") : nullptr;
+        return a1 && DeleteOrder(reg, settings, ui, *a1) == OrderResult::Done;
+    }
     CAuftragDb db(ui);
     db.setDbPath(o.order);
     if (!db.OpenDb())
@@ -167,47 +197,6 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
         if (m.icon == MsgIcon::Critical || m.title == "Problem")
             return false;
     return true;
-}
-
-std::string contentDigest(const std::string& databaseFile)
-{
-    auto db = Database::open(databaseFile, true);
-    const Recordset tables =
-        db->query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite_%' ORDER BY name");
-    // FNV-1a over the tables' names and every value of every row in key order.
-    std::uint64_t h = 1469598103934665603ull;
-    const auto add = [&h](const std::string& bytes) {
-        for (unsigned char c : bytes) {
-            h ^= c;
-            h *= 1099511628211ull;
-        }
-        h ^= 0xFF;
-        h *= 1099511628211ull;
-    };
-    std::size_t rows = 0;
-    for (const auto& t : tables.rows()) {
-        const std::string name = toText(t[0]);
-        add(name);
-        Statement& st = db->prepare("SELECT * FROM \"" + name + "\" ORDER BY rowid");
-        st.bindAll({});
-        while (st.step()) {
-            ++rows;
-            for (int c = 0; c < st.columnCount(); ++c) {
-                const Value v = st.column(c);
-                add(isNull(v) ? std::string("\x01") : toText(v));
-            }
-        }
-        st.reset();
-    }
-    std::string out = std::to_string(rows) + ":";
-    hexOf(h, out);
-    return out;
-}
-
-bool integrityOk(const std::string& databaseFile)
-{
-    auto db = Database::open(databaseFile);
-    return toText(db->scalar("PRAGMA integrity_check")) == "ok";
 }
 
 } // namespace qi::test

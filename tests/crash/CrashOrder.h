@@ -15,6 +15,7 @@ struct CrashOrder {
     std::string project; ///< project folder (Quarn's databases, Inventur\A1.mdb, scanner files)
     std::string program; ///< program folder (QInventurRpt.mdb)
     std::string order;   ///< the order database
+    std::string registry; ///< the project's order register, which names the order "A1"
     /// The scanner file that the operation "hinzufuegen" adds.
     std::string newFile() const;
 };
@@ -24,13 +25,12 @@ void prepareCrashOrder(const CrashOrder& o);
 
 /// The operations the harness kills, by name: "hinzufuegen" (add a file of 10,000 lines),
 /// "entfernen" (remove a file and rebuild), "neu" (rebuild), "auswerten" (evaluation),
-/// "artikel" (article tally), "inventur" (inventory list). Runs one on the order to its
-/// end; false when the name is unknown or the operation reported a failure.
-bool runCrashOperation(const CrashOrder& o, const std::string& operation);
+/// "artikel" (article tally), "inventur" (inventory list) on the order; "anlegen" (create
+/// the order kNewOrder) and "loeschen" (delete the order "A1") on the project. Runs one to
+/// its end; false when the name is unknown or the operation reported a failure.
+/// The order that "anlegen" creates.
+inline constexpr const char* kNewOrder = "B2";
 
-/// A digest of every row of every table of a database file (key order), and whether the
-/// file passes the engine's integrity check.
-std::string contentDigest(const std::string& databaseFile);
-bool integrityOk(const std::string& databaseFile);
+bool runCrashOperation(const CrashOrder& o, const std::string& operation);
 
 } // namespace qi::test

@@ -9,6 +9,7 @@
 
 #include "CInventurDb.h"
 #include "FileSystem.h"
+#include "OrderName.h"
 #include "HelpTools.h"
 #include "LinkedDatabase.h"
 #include "frmAbout.h"
@@ -88,6 +89,16 @@ protected:
         return out;
     }
     std::string orderFile(const std::string& name) { return projectDir + "Inventur/" + name + ".mdb"; }
+    void addRegisterRow(const std::string& name, const std::string& stPfad)
+    {
+        CInventurDb reg;
+        reg.setDbPath(projectDir + "QInventur.mdb");
+        ASSERT_TRUE(reg.OpenDb());
+        CAuftragRec rec;
+        rec.stBezeichung = name;
+        rec.stPfad = stPfad;
+        ASSERT_TRUE(reg.AddNewAuftragRec(&rec));
+    }
     void expectMessage(std::size_t i, const std::string& text, MsgButtons b, MsgIcon icon, const std::string& title)
     {
         ASSERT_GT(ui.messages.size(), i);
@@ -245,8 +256,9 @@ TEST_P(EscapingNames, FailInMakeDatabaseAndCreateNothing)
     newOrder("Alpha");
     const std::string name = GetParam();
     newOrder(name);
-    expectMessage(0, "frmMain.MakeDatabase\r\nDateiname oder -nummer falsch", MsgButtons::Ok, MsgIcon::Critical,
+    expectMessage(0, "frmMain.MakeDatabase\r\n" + orderNameProblem(name), MsgButtons::Ok, MsgIcon::Critical,
                   "QInventur");
+    EXPECT_FALSE(orderNameProblem(name).empty());
     EXPECT_EQ(registerRows().size(), 1u);
     EXPECT_EQ(list().topLevelItemCount(), 1);
     // Only the order folder and its one database are there.
@@ -265,14 +277,17 @@ INSTANTIATE_TEST_SUITE_P(Names, EscapingNames,
                                            "C:evil", "C:\\evil", "/tmp/evil", "\\evil", "bad|name", "frage?",
                                            "stern*", "a\"b", "tab\tname"));
 
-TEST_F(MainWindowTest, NameTheFileSystemCannotHoldFails)
+TEST_F(MainWindowTest, NameTooLongForTheJournalIsRefusedBeforeAnythingIsWritten)
 {
     load();
     newOrder(std::string(300, 'x'));
-    expectMessage(0, "frmMain.MakeDatabase\r\nFehler beim Zugriff auf Pfad/Datei", MsgButtons::Ok, MsgIcon::Critical,
-                  "QInventur");
+    expectMessage(0,
+                  "frmMain.MakeDatabase\r\nDer Auftragsname ist zu lang: Er darf höchstens 243 Bytes haben (Umlaute "
+                  "und andere Sonderzeichen zählen doppelt oder mehrfach), hat aber 300.",
+                  MsgButtons::Ok, MsgIcon::Critical, "QInventur");
     EXPECT_TRUE(registerRows().empty());
     EXPECT_EQ(list().topLevelItemCount(), 0);
+    EXPECT_FALSE(folderExists(projectDir + "Inventur"));
 }
 
 TEST_F(MainWindowTest, MissingOrderTemplateFailsInMakeDatabase)
@@ -284,14 +299,14 @@ TEST_F(MainWindowTest, MissingOrderTemplateFailsInMakeDatabase)
     EXPECT_TRUE(registerRows().empty());
 }
 
-TEST_F(MainWindowTest, FirstOrderWithABadNameStillCreatesTheOrderFolder)
+TEST_F(MainWindowTest, FirstOrderWithABadNameCreatesNotEvenTheOrderFolder)
 {
     load();
     ASSERT_FALSE(folderExists(projectDir + "Inventur"));
     newOrder("frage?");
-    expectMessage(0, "frmMain.MakeDatabase\r\nDateiname oder -nummer falsch", MsgButtons::Ok, MsgIcon::Critical,
-                  "QInventur");
-    EXPECT_TRUE(folderExists(projectDir + "Inventur"));
+    expectMessage(0, "frmMain.MakeDatabase\r\nDer Auftragsname darf keines der Zeichen < > : \" / \\ | ? * enthalten.",
+                  MsgButtons::Ok, MsgIcon::Critical, "QInventur");
+    EXPECT_FALSE(folderExists(projectDir + "Inventur"));
     EXPECT_TRUE(registerRows().empty());
 }
 
@@ -424,25 +439,67 @@ TEST_F(MainWindowTest, WholeRoadOfTwoOrders)
 TEST_F(MainWindowTest, OrderPathWithoutLeadingBackslashIsOpenedAsItStands)
 {
     load();
-    const std::string elsewhere = root.file("anderswo.mdb");
-    makeOrderDatabase(elsewhere);
-    {
-        CInventurDb reg;
-        reg.setDbPath(projectDir + "QInventur.mdb");
-        ASSERT_TRUE(reg.OpenDb());
-        CAuftragRec rec;
-        rec.stBezeichung = "Extern";
-        rec.stPfad = elsewhere;
-        ASSERT_TRUE(reg.AddNewAuftragRec(&rec));
-    }
+    newOrder("Alpha");
+    const std::string asItStands = projectDir + "Inventur/Extern.mdb";
+    makeOrderDatabase(asItStands);
+    addRegisterRow("Extern", asItStands);
     window->InitAuftraege();
     select("Extern");
     window->lvAuftraege_DblClick();
     ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
-    EXPECT_EQ(window->orderDb()->DbPath(), elsewhere);
+    EXPECT_EQ(window->orderDb()->DbPath(), asItStands);
     EXPECT_TRUE(window->orderDb()->isOpen());
     window->workWindow()->close();
 }
+
+class OutsidePaths : public MainWindowTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(OutsidePaths, AreNeitherOpenedNorDeleted)
+{
+    // A register row pointing out of the order folder (a register changed by hand, shared with others).
+    load();
+    makeOrderDatabase(root.file("anderswo.mdb"));
+    makeOrderDatabase(projectDir + "QAuftrag-Kopie.mdb");
+    writeFile(projectDir + "Inventur-Notiz.mdb", "keine Datenbank");
+    fs::create_directories(projectDir + "Inventur");
+    writeFile(projectDir + "Inventur/A1.dat", "7,4711,01.02.2015,10:00:00,101,X1,S,I\r\n");
+    std::string stPfad = GetParam();
+    for (const auto& [from, to] : {std::pair<std::string, std::string>{"<root>", root.path()},
+                                   {"<project>", projectDir.substr(0, projectDir.size() - 1)}})
+        if (const auto at = stPfad.find(from); at != std::string::npos)
+            stPfad.replace(at, from.size(), to);
+    addRegisterRow("Extern", stPfad);
+    window->InitAuftraege();
+    const auto before = treeDigest(root.path());
+
+    select("Extern");
+    window->lvAuftraege_DblClick();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text.rfind("frmMain.lvAuftraege_DblClick\r\nDie Datenbank '", 0), 0u) << ui.messages[0].text;
+    EXPECT_NE(ui.messages[0].text.find("' liegt nicht im Ordner Inventur des Projekts. Sie wird weder geöffnet noch "
+                                       "gelöscht."),
+              std::string::npos)
+        << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(window->workWindow(), nullptr);
+    EXPECT_FALSE(window->orderDb()->isOpen());
+
+    select("Extern");
+    ui.answers.push_back(MsgResult::Yes);
+    window->mnuDateiFkt_Click(menuindex::DeleteOrder);
+    ASSERT_EQ(ui.messages.size(), 3u);
+    EXPECT_EQ(ui.messages[2].text.rfind("frmMain.mnuDateiFkt_Click\r\nDie Datenbank '", 0), 0u) << ui.messages[2].text;
+    EXPECT_EQ(registerRows().size(), 1u);
+    // Not a file changed, the register's time stamps included.
+    EXPECT_EQ(treeDigest(root.path()), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, OutsidePaths,
+                         ::testing::Values("\\..\\..\\anderswo.mdb", "\\Inventur\\..\\QAuftrag-Kopie.mdb",
+                                           "\\Inventur\\..\\..\\anderswo.mdb", "\\QAuftrag-Kopie.mdb",
+                                           "\\Inventur-Notiz.mdb", "<root>/anderswo.mdb", "\\Inventur\\A1.dat",
+                                           "\\Inventur", "\\Inventur\\", "\\Inventur\\.\\..\\QInventur.mdb",
+                                           "/etc/passwd", "..\\anderswo.mdb", "", "\\QInventur.mdb"));
 
 TEST_F(MainWindowTest, OrderWithoutItsDatabaseFileReportsTheOpenError)
 {

@@ -374,5 +374,15 @@ TEST(ConnectStrings, DatabaseFileIsReadFromJetConnectStringsOnly)
     EXPECT_EQ(connectDatabaseFile(""), "");
 }
 
+TEST(ConnectStrings, TheFilesPathMayHoldSemicolons)
+{
+    EXPECT_EQ(connectDatabaseFile(";DATABASE=C:\\Projekt 'Süd'; DROP TABLE T_Auftrag; --\\Inventur\\a;b.mdb"),
+              "C:\\Projekt 'Süd'; DROP TABLE T_Auftrag; --\\Inventur\\a;b.mdb");
+    EXPECT_EQ(connectDatabaseFile(";DATABASE=C:\\a;b.mdb;PWD=geheim"), "C:\\a;b.mdb");
+    EXPECT_EQ(connectDatabaseFile(";DATABASE=x; y.mdb; pwd = geheim"), "x; y.mdb");
+    EXPECT_EQ(connectDatabaseFile(";DATABASE=x.mdb;"), "x.mdb");
+    EXPECT_EQ(connectDatabaseFile(";DATABASE=a;=b.mdb"), "a;=b.mdb");
+}
+
 } // namespace
 } // namespace qi::test

@@ -52,3 +52,15 @@ TEST(FileSystem, RelativePathsResolveAgainstAFolder)
     EXPECT_EQ(resolvePath("/prog", "/abs/Demo"), "/abs/Demo");
     EXPECT_EQ(resolvePath("/prog", ""), "");
 }
+
+TEST(FileSystem, MovingAFileReplacesTheTargetInOneStep)
+{
+    test::TempDir dir;
+    test::writeFile(dir.file("neu"), "neu");
+    test::writeFile(dir.file("alt.mdb"), "alt");
+    EXPECT_TRUE(moveFile(systemPath(dir.file("neu")), systemPath(dir.file("alt.mdb"))));
+    EXPECT_EQ(test::readFile(dir.file("alt.mdb")), "neu");
+    EXPECT_FALSE(fileExists(dir.file("neu")));
+    EXPECT_FALSE(moveFile(dir.file("neu"), dir.file("wieder.mdb")));
+    EXPECT_FALSE(fileExists(dir.file("wieder.mdb")));
+}

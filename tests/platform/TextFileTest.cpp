@@ -2,6 +2,8 @@
 
 #include "TextFile.h"
 
+#include "TestSupport.h"
+
 #include <gtest/gtest.h>
 
 namespace qi {
@@ -28,6 +30,23 @@ TEST(IsUtf8, CutAndMalformedSequencesAreRefused)
     EXPECT_FALSE(isUtf8("\xC3\x41"));     // continuation byte missing
     EXPECT_FALSE(isUtf8("\xC0\xAF"));     // overlong "/"
     EXPECT_FALSE(isUtf8("\xF5\x80\x80\x80")); // beyond U+10FFFF
+    EXPECT_FALSE(isUtf8("\xF4\x90\x80\x80")); // beyond U+10FFFF with a valid lead byte
+    EXPECT_FALSE(isUtf8("a\xE0\x80\xAF"));     // overlong in three bytes
+    EXPECT_FALSE(isUtf8("\xF0\x80\x80\xAF")); // overlong in four bytes
+    EXPECT_FALSE(isUtf8("\xED\xA0\x80"));      // a surrogate
+}
+
+TEST(ReadTextFile, WholeFilesAreReadAsUtf8OrWindows1252)
+{
+    test::TempDir dir;
+    std::string text;
+    test::writeFile(dir.file("utf8.txt"), "\xEF\xBB\xBF" "101\r\n102:L\r\nB\xC3\xBCro\r\n");
+    ASSERT_TRUE(readTextFile(dir.file("utf8.txt"), text));
+    EXPECT_EQ(text, "101\r\n102:L\r\nBüro\r\n");
+    test::writeFile(dir.file("ansi.txt"), "B\xFCro\n");
+    ASSERT_TRUE(readTextFile(dir.file("ansi.txt"), text));
+    EXPECT_EQ(text, "Büro\n");
+    EXPECT_FALSE(readTextFile(dir.file("fehlt.txt"), text));
 }
 
 TEST(FromWindows1252, EveryByteBecomesWellFormedUtf8)

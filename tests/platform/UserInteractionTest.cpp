@@ -37,6 +37,24 @@ TEST(UserInteraction, ScriptedAnswers)
     EXPECT_EQ(ui.busyChanges, (std::vector<bool>{true, false}));
 }
 
+TEST(UserInteraction, ScriptedConflictsTakeTheirAnswersThenTheDefault)
+{
+    ScriptedUserInteraction ui;
+    ConflictInfo info;
+    info.stInvNr = "4711";
+    EXPECT_FALSE(ui.resolveConflict(info)); // no script: the first scan is kept
+    ui.conflictAnswers = {true, false};
+    ui.conflictDefault = true;
+    EXPECT_TRUE(ui.resolveConflict(info));
+    EXPECT_FALSE(ui.resolveConflict(info));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(ui.resolveConflict(info)) << i;
+    ui.conflictDefault = false;
+    EXPECT_FALSE(ui.resolveConflict(info));
+    ASSERT_EQ(ui.conflicts.size(), 7u);
+    EXPECT_EQ(ui.conflicts[6].stInvNr, "4711");
+}
+
 TEST(QtUserInteraction, FileFilterTakesEveryFileForStarDotStar)
 {
     const QStringList f = qtNameFilters("Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat");

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 class QApplication;
@@ -40,6 +41,16 @@ void makeRegisterDatabase(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
+
+/// Every file below `folder` (path relative to it) with its size and a digest of its bytes:
+/// two snapshots are equal when no file was added, removed or changed.
+std::map<std::string, std::string> treeDigest(const std::string& folder);
+
+/// A digest of every row of every table of a database file (key order): equal for two files
+/// of the same content, whatever else of the file differs.
+std::string contentDigest(const std::string& databaseFile);
+/// Whether the file passes the engine's integrity check.
+bool integrityOk(const std::string& databaseFile);
 
 /// Leaves a failure text in the database object's LastError (reading a key that is not
 /// there), so that a test can tell an operation that clears or keeps it.

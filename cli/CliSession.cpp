@@ -1,0 +1,477 @@
+#include "CliSession.h"
+
+#include "FileSystem.h"
+#include "JetCollation.h"
+#include "ProfileFile.h"
+#include "TextFile.h"
+#include "frmRaum.h"
+#include "frmWork.h"
+
+#include <filesystem>
+#include <functional>
+#include <ostream>
+#include <sstream>
+
+namespace qi::cli {
+
+namespace {
+
+/// The program folder's "Quarn.ini" as the main window reads it, except that its project is
+/// the folder given on the command line.
+class GivenProject : public ProfileService {
+public:
+    GivenProject(std::string quarnIni, std::string folder) : quarnIni_(std::move(quarnIni)), folder_(std::move(folder))
+    {
+    }
+    std::string ReadProfileValue(const std::string& file, const std::string& section, const std::string& key,
+                                 const std::string& defaultValue) const override
+    {
+        if (file == quarnIni_ && jetEqual(section, "Quarn") && jetEqual(key, "Projekt"))
+            return folder_;
+        return ProfileService::ReadProfileValue(file, section, key, defaultValue);
+    }
+
+private:
+    std::string quarnIni_;
+    std::string folder_;
+};
+
+/// The objects of the difference list per category (rooms without objects have none).
+constexpr const char* kCountPerCategory =
+    "SELECT stTyp, COUNT(*) FROM T_Differenzliste WHERE stTyp <> '' GROUP BY stTyp ORDER BY stTyp";
+
+ExitCode exitCodeOf(FileListResult r)
+{
+    switch (r) {
+    case FileListResult::Done: return kSuccess;
+    case FileListResult::NoRooms: return kNoRooms;
+    case FileListResult::RoomsNotInOrder: return kRoomsNotInOrder;
+    case FileListResult::SeveralDays: return kSeveralDays;
+    case FileListResult::RoomsAlreadyRead: return kRoomsAlreadyRead;
+    case FileListResult::AlreadyAdded: return kFileAlreadyAdded;
+    case FileListResult::FileMissing: return kFileMissing;
+    case FileListResult::Cancelled:
+    case FileListResult::Failed: break;
+    }
+    return kFailure;
+}
+
+/// One room of `raeume --setzen`: its number and the status asked for ("L", "N" or none).
+struct RoomSpec {
+    std::string number;
+    std::string status;
+};
+
+/// "101", "101:L" or "101:N" (the letter in either case).
+RoomSpec roomSpec(const std::string& text)
+{
+    const std::size_t colon = text.rfind(':');
+    if (colon != std::string::npos && colon + 2 == text.size()) {
+        const char s = char(std::toupper(static_cast<unsigned char>(text[colon + 1])));
+        if (s == 'L' || s == 'N')
+            return {text.substr(0, colon), std::string(1, s)};
+    }
+    return {text, {}};
+}
+
+} // namespace
+
+std::string absolutePath(const std::string& path)
+{
+    std::error_code ec;
+    const auto p = std::filesystem::absolute(std::filesystem::u8path(path), ec);
+    return ec ? path : p.string();
+}
+
+Session::Session(const Invocation& inv, std::string programFolder, std::ostream& out, std::ostream& err,
+                 bool terminal)
+    : inv_(inv), programFolder_(std::move(programFolder)), out_(out), err_(err), ui_(err, terminal)
+{
+}
+
+Session::~Session() = default;
+
+void Session::say(const std::string& text) { err_ << ConsoleUserInteraction::format("qinventur-cli", text) << '\n'; }
+
+void Session::unchanged() { say("Der Auftrag bleibt, wie er vor dem Befehl war."); }
+
+int Session::run()
+{
+    // What can be told from the command line alone is told before the project is opened.
+    const std::string konflikt = inv_.option("--konflikt");
+    if (!konflikt.empty() && konflikt != "behalten" && konflikt != "verwerfen") {
+        say("--konflikt nimmt behalten oder verwerfen, nicht '" + konflikt + "'.");
+        return kBadArguments;
+    }
+    if (inv_.command == "raeume") {
+        const bool setzen = inv_.has("--setzen");
+        const bool rooms = inv_.args.size() > 1 || inv_.options.count("--datei") || inv_.has("--alle");
+        if (!setzen && rooms) {
+            say("Räume, --datei und --alle gehören zu --setzen.");
+            return kBadArguments;
+        }
+        if (setzen && !rooms) {
+            say("Es fehlen die Räume: Raumnummern, --datei DATEI oder --alle.");
+            return kBadArguments;
+        }
+    }
+
+    if (inv_.command == "bericht" || inv_.command == "export") {
+        if (inv_.option("--ausgabe").empty()) {
+            say("Es fehlt --ausgabe " + std::string(inv_.command == "export" ? "ORDNER" : "PFAD") + ".");
+            return kBadArguments;
+        }
+        if (inv_.command == "bericht" && !knownReport(inv_.args.at(1))) {
+            say("Einen Bericht '" + inv_.args.at(1) + "' gibt es nicht. Berichte: " + reportNames() + ".");
+            return kBadArguments;
+        }
+        if (reportFormatOf(inv_).empty()) {
+            say(inv_.options.count("--format")
+                    ? "--format nimmt pdf, xlsx oder csv, nicht '" + inv_.option("--format") + "'."
+                    : "Die Endung von '" + inv_.option("--ausgabe") +
+                          "' nennt kein Format (pdf, xlsx oder csv); geben Sie --format an.");
+            return kBadArguments;
+        }
+    }
+
+    if (inv_.projekt.empty()) {
+        startup_ = RunStartup(programFolder_, settings_, ui_);
+    } else {
+        const GivenProject profile(programFolder_ + "\\Quarn.ini", absolutePath(inv_.projekt));
+        startup_ = RunStartup(programFolder_, settings_, ui_, profile);
+    }
+    if (!startup_.completed)
+        return kProjectUnusable;
+    if (!startup_.inventurDb || !startup_.inventurDb->ReadAllAuftragRec2Coll(orders_)) {
+        ui_.showError(mainlabel::InitAuftraege,
+                      startup_.inventurDb ? startup_.inventurDb->LastError() : std::string(kNoObject));
+        return kFailure;
+    }
+    int code = kFailure;
+    try {
+        code = dispatch();
+    } catch (const std::exception& e) {
+        // Nothing the project holds may end the program without a word.
+        ui_.showError("qinventur-cli." + inv_.command, e.what());
+        return kFailure;
+    }
+    // Whatever a command reported as an error makes it fail, unless it ended with a refusal of its own.
+    return code == kSuccess && ui_.errorCount() > 0 ? kFailure : code;
+}
+
+int Session::dispatch()
+{
+    const std::string& c = inv_.command;
+    if (c == "auftraege")
+        return auftraege();
+    if (c == "anlegen")
+        return anlegen();
+    if (c == "loeschen")
+        return loeschen();
+    if (c == "raeume")
+        return inv_.has("--setzen") ? raeumeSetzen() : raeume();
+    if (c == "hinzufuegen")
+        return hinzufuegen();
+    if (c == "entfernen")
+        return entfernen();
+    if (c == "neu-einlesen")
+        return neuEinlesen();
+    if (c == "auswerten")
+        return auswerten();
+    if (c == "bericht")
+        return bericht();
+    if (c == "export")
+        return exportAll();
+    if (c == "archiv")
+        return archiv();
+    return kBadArguments;
+}
+
+CAuftragRec* Session::order()
+{
+    const std::string& name = inv_.args.at(0);
+    CAuftragRec* rec = findOrder(orders_, name);
+    if (!rec)
+        say("Einen Auftrag '" + name + "' gibt es im Projekt nicht.");
+    return rec;
+}
+
+bool Session::open(CAuftragRec& rec, OrderAccess access)
+{
+    db_ = std::make_unique<CAuftragDb>(ui_);
+    return OpenOrderDatabase(*startup_.inventurDb, settings_, ui_, rec, *db_, access) == OrderResult::Done;
+}
+
+// ---------------------------------------------------------------- orders
+
+int Session::auftraege()
+{
+    out_ << "Name\terstellt\tgeändert\tErsteller\n";
+    for (const CAuftragRec& rec : orders_)
+        out_ << rec.stBezeichung << '\t' << rec.erstellt.toDisplayText() << '\t' << rec.letzte_Aenderung.toDisplayText()
+             << '\t' << rec.stErsteller << '\n';
+    return kSuccess;
+}
+
+int Session::anlegen()
+{
+    const std::string& name = inv_.args.at(0);
+    if (refuseTakenName(orders_, name, ui_))
+        return kOrderExists;
+    CAuftragRec rec;
+    rec.Init();
+    rec.stBezeichung = name;
+    rec.stErsteller = inv_.option("--mitarbeiter");
+    switch (CreateOrder(*startup_.inventurDb, settings_, ui_, rec)) {
+    case OrderResult::Done:
+        out_ << "Auftrag '" << name << "' angelegt: " << displayPath(orderDatabaseFile(settings_, rec.stPfad)) << '\n';
+        return kSuccess;
+    case OrderResult::NameRefused: return kNameRefused;
+    default: return kFailure;
+    }
+}
+
+int Session::loeschen()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (DeleteOrder(*startup_.inventurDb, settings_, ui_, *rec) != OrderResult::Done)
+        return kFailure;
+    out_ << "Auftrag '" << inv_.args.at(0) << "' gelöscht.\n";
+    return kSuccess;
+}
+
+// ---------------------------------------------------------------- rooms
+
+int Session::raeume()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Look))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    if (!work.InitData())
+        return kFailure;
+    out_ << "Raum\tStatus\tDatum\tAnzahl\tDatei\n";
+    for (const ListItem& room : work.lvRooms) {
+        out_ << room.text;
+        for (const std::string& sub : room.subItems)
+            out_ << '\t' << sub;
+        out_ << '\n';
+    }
+    return kSuccess;
+}
+
+int Session::raeumeSetzen()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+
+    // The rooms asked for, from the command line and the file, in their order.
+    std::vector<RoomSpec> wanted;
+    for (std::size_t i = 1; i < inv_.args.size(); ++i)
+        wanted.push_back(roomSpec(inv_.args[i]));
+    if (inv_.options.count("--datei")) {
+        const std::string file = inv_.option("--datei");
+        std::string text;
+        if (!readTextFile(file, text)) {
+            say("Die Datei '" + displayPath(file) + "' kann nicht gelesen werden.");
+            return kFileMissing;
+        }
+        std::istringstream lines(text);
+        std::string line;
+        while (std::getline(lines, line)) {
+            if (!line.empty() && line.back() == '\r')
+                line.pop_back();
+            const std::size_t first = line.find_first_not_of(" \t");
+            if (first == std::string::npos || line[first] == '#')
+                continue;
+            line = line.substr(first, line.find_last_not_of(" \t") - first + 1);
+            wanted.push_back(roomSpec(line));
+        }
+    }
+
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    // The room selection as the user works it: every room of the installation in its list,
+    // the order's rooms taken out and the rooms asked for put in, marked as asked, then saved.
+    frmRaum rooms(*db_, startup_.gebDb.get(), settings_, ui_);
+    rooms.Form_Load();
+    rooms.InitData();
+    rooms.cbAllRooms = true;
+    rooms.cbAllRooms_Click();
+    if (ui_.errorCount() > 0)
+        return kFailure;
+    std::vector<std::pair<std::string, std::string>> marks; // row key, status asked for
+    for (const RoomSpec& spec : wanted) {
+        RoomLine* match = nullptr;
+        for (RoomLine& line : rooms.lbRooms)
+            if (line.text == spec.number || (!match && jetEqual(line.text, spec.number)))
+                match = &line;
+        if (!match) {
+            say("Einen Raum '" + spec.number + "' gibt es in der Gebäudestruktur nicht.");
+            return kRoomUnknown;
+        }
+        match->selected = true;
+        if (!spec.status.empty())
+            marks.emplace_back(raumtext::KeyPrefix + std::to_string(match->itemData), spec.status);
+    }
+    rooms.pbAllOut_Click();
+    if (inv_.has("--alle"))
+        rooms.pbAllIn_Click();
+    else
+        rooms.pbIn_Click();
+    for (const auto& [key, status] : marks) {
+        // The window's toggle: "N" becomes "L" and back; a room with scans keeps its "E".
+        const RoomRow* row = rooms.rowByKey(key);
+        if (row && row->status != status) {
+            rooms.lvRoomsSelectedKey = key;
+            rooms.lvRooms_DblClick();
+        }
+    }
+    if (!rooms.SaveRooms())
+        return kFailure;
+    out_ << rooms.lvRooms.size() << " Räume im Auftrag '" << rec->stBezeichung << "' gespeichert.\n";
+    return kSuccess;
+}
+
+// ---------------------------------------------------------------- data files
+
+int Session::hinzufuegen()
+{
+    std::vector<std::string> files;
+    for (std::size_t i = 1; i < inv_.args.size(); ++i) {
+        const std::string path = absolutePath(inv_.args[i]);
+        if (!fileExists(path)) {
+            say("Die Datei '" + displayPath(path) + "' gibt es nicht.");
+            return kFileMissing;
+        }
+        files.push_back(path);
+    }
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    work.f_QGebDb = startup_.gebDb.get();
+    if (const FileListResult rooms = work.RoomsSelected(); rooms != FileListResult::Done)
+        return exitCodeOf(rooms);
+    // All files or none: a refused file undoes the files added before it.
+    return asOneChange([&] {
+        for (const std::string& path : files) {
+            if (const FileListResult r = work.AddDataFile(path); r != FileListResult::Done)
+                return r;
+            out_ << "Datei '" << fileNamePart(path) << "' hinzugefügt.\n";
+        }
+        return FileListResult::Done;
+    });
+}
+
+int Session::asOneChange(const std::function<FileListResult()>& change)
+{
+    const std::string konflikt = inv_.option("--konflikt");
+    ui_.setConflictPolicy(konflikt == "behalten"    ? ConflictPolicy::Keep
+                          : konflikt == "verwerfen" ? ConflictPolicy::Discard
+                                                    : ConflictPolicy::None);
+    Database::Transaction all(*db_->database());
+    try {
+        if (const FileListResult r = change(); r != FileListResult::Done) {
+            all.rollback();
+            unchanged();
+            return exitCodeOf(r);
+        }
+    } catch (const UnresolvedConflict& c) {
+        all.rollback();
+        err_ << ConsoleUserInteraction::format("Fehler", "Bitte zwischen beiden Räumen entscheiden !\n" +
+                                                             ConsoleUserInteraction::describeConflict(c.info))
+             << '\n';
+        say("Ohne --konflikt behalten oder --konflikt verwerfen kann der Befehl nicht entscheiden. "
+            "Der Auftrag bleibt, wie er vor dem Befehl war.");
+        return kUnresolvedConflict;
+    }
+    all.commit();
+    return kSuccess;
+}
+
+int Session::entfernen()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    if (!work.Init())
+        return kFailure;
+    const std::string& name = inv_.args.at(1);
+    const ListItem* entry = nullptr;
+    for (const ListItem& item : work.lvDateien)
+        if (item.text == name)
+            entry = &item;
+    if (!entry) {
+        say("Eine Datei '" + name + "' gehört nicht zum Auftrag '" + rec->stBezeichung + "'.");
+        return kFileMissing;
+    }
+    const std::string key = entry->key, text = entry->text;
+    const int code = asOneChange([&] { return work.pbRemove_Click(key, text); });
+    if (code == kSuccess)
+        out_ << "Datei '" << text << "' entfernt, Scandaten neu eingelesen.\n";
+    return code;
+}
+
+int Session::neuEinlesen()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    if (!work.Init())
+        return kFailure;
+    const int code = asOneChange([&] { return work.pbNeu_Click(); });
+    if (code == kSuccess)
+        out_ << "Scandaten aus " << work.f_collDateien.Count() << " Dateien neu eingelesen.\n";
+    return code;
+}
+
+// ---------------------------------------------------------------- evaluation and archive
+
+int Session::auswerten()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    work.f_QGebDb = startup_.gebDb.get();
+    if (!work.ReportDifferenzListe())
+        return kFailure;
+    const Recordset counts = db_->database()->query(kCountPerCategory);
+    out_ << "Kategorie\tAnzahl\n";
+    for (const auto& row : counts.rows())
+        out_ << toText(row[0]) << '\t' << toText(row[1]) << '\n';
+    return kSuccess;
+}
+
+int Session::archiv()
+{
+    CAuftragRec* rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, OrderAccess::Work))
+        return kFailure;
+    frmWork work(*db_, settings_, ui_);
+    const std::string archive = work.MakeArchive();
+    if (archive.empty())
+        return kFailure;
+    out_ << "Scandaten zusammengefasst in " << displayPath(archive) << '\n';
+    return kSuccess;
+}
+
+} // namespace qi::cli

@@ -1,0 +1,86 @@
+#pragma once
+// One run of qinventur-cli: start-up on the project, the order register, and the
+// command, each over the logic the windows use.
+
+#include "CommandLine.h"
+#include "ConsoleUserInteraction.h"
+
+#include "CAuftragDb.h"
+#include "Orders.h"
+#include "Settings.h"
+#include "Startup.h"
+#include "frmWork.h"
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace qi::cli {
+
+/// A path given on the command line, made absolute against the working folder.
+std::string absolutePath(const std::string& path);
+
+/// The names of the reports and error lists, as the command line knows them ("artikel, raumerfassung, ...").
+std::string reportNames();
+/// Whether a report or error list has that name.
+bool knownReport(const std::string& name);
+/// The format a report command writes: --format, else (for bericht) the extension of --ausgabe,
+/// else (for export) "pdf"; empty when it is no format of the command line.
+std::string reportFormatOf(const Invocation& inv);
+
+class Session {
+public:
+    Session(const Invocation& inv, std::string programFolder, std::ostream& out, std::ostream& err, bool terminal);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Runs the command; the exit code.
+    int run();
+
+private:
+    /// The command itself, after start-up and the register were read.
+    int dispatch();
+
+    int auftraege();
+    int anlegen();
+    int loeschen();
+    int raeume();
+    int raeumeSetzen();
+    int hinzufuegen();
+    int entfernen();
+    int neuEinlesen();
+    int auswerten();
+    int bericht();
+    int exportAll();
+    /// Writes the reports (name, output file) of the order the first argument names in the format.
+    int writeReports(const std::vector<std::pair<std::string, std::string>>& reports, const std::string& format);
+    int archiv();
+
+    /// Runs a change of the order's scan data as one: a refusal, a failure or a conflict without
+    /// --konflikt undoes all of it. The exit code.
+    int asOneChange(const std::function<FileListResult()>& change);
+    /// The order the first argument names; null after the message.
+    CAuftragRec* order();
+    /// Opens the order for work or to look at it; false after the message.
+    bool open(CAuftragRec& rec, OrderAccess access);
+    /// A message of the command line program itself ("[qinventur-cli] text").
+    void say(const std::string& text);
+    /// Told after a command stopped and undid what it did.
+    void unchanged();
+
+    const Invocation& inv_;
+    std::string programFolder_;
+    std::ostream& out_;
+    std::ostream& err_;
+    ConsoleUserInteraction ui_;
+    Settings settings_;
+    StartupResult startup_;
+    CAuftragRecColl orders_;
+    std::unique_ptr<CAuftragDb> db_;
+};
+
+} // namespace qi::cli

@@ -1,0 +1,372 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+
+namespace qi::cli {
+
+namespace {
+
+constexpr std::string_view kProgram = "qinventur-cli";
+constexpr std::string_view kProjekt = "--projekt";
+
+std::vector<CommandSpec> makeCommands()
+{
+    std::vector<CommandSpec> c;
+    c.push_back({"auftraege", "auftraege", "Aufträge des Projekts auflisten",
+                 "Listet die Aufträge des Projekts auf, einen je Zeile: Name, erstellt, geändert und\n"
+                 "Ersteller, durch Tabulatoren getrennt. Die erste Zeile nennt die Spalten.\n",
+                 0, 0, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable},
+                 {"qinventur-cli auftraege", "qinventur-cli --projekt /srv/quarn/Nord auftraege"}});
+    c.push_back({"anlegen", "anlegen NAME [--mitarbeiter WER]", "Auftrag anlegen",
+                 "Legt den Auftrag NAME an, wie \"Auftrag Neu\" im Hauptfenster: seine Datenbank\n"
+                 "\"Inventur\\NAME.mdb\" im Projektordner, kopiert aus \"QAuftrag.mdb\", und seine Zeile\n"
+                 "im Auftragsverzeichnis. Der Name muss ein Dateiname sein können; abgewiesen werden\n"
+                 "\".\" und \"..\", die Zeichen < > : \" / \\ | ? *, Steuerzeichen, Gerätenamen wie CON,\n"
+                 "NUL oder COM1, ein Punkt oder Leerzeichen am Ende und Namen über 243 Bytes.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --mitarbeiter WER  der Mitarbeiter, der den Auftrag anlegt (Ersteller)\n",
+                 1, 1, {"--mitarbeiter"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderExists, kNameRefused},
+                 {"qinventur-cli anlegen \"Lager Süd\" --mitarbeiter Meier"}});
+    c.push_back({"loeschen", "loeschen NAME", "Auftrag löschen",
+                 "Löscht den Auftrag NAME: seine Zeile im Auftragsverzeichnis und seine Datenbank.\n"
+                 "Der Ordner \"Inventur\" bleibt. Ein Auftrag, dessen Datenbank nicht im Ordner\n"
+                 "\"Inventur\" des Projekts liegt, wird weder gelöscht noch geöffnet.\n",
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli loeschen \"Lager Süd\""}});
+    c.push_back({"raeume", "raeume NAME [--setzen [RAUM[:L|:N] ...] [--datei DATEI] [--alle]]",
+                 "Räume eines Auftrags auflisten oder festlegen",
+                 "Ohne --setzen: listet die Räume des Auftrags auf, einen je Zeile: Raum, Status,\n"
+                 "Datum, Anzahl und Datei, durch Tabulatoren getrennt, mit einer Kopfzeile. Der\n"
+                 "Auftrag wird dabei nur gelesen.\n"
+                 "\n"
+                 "Mit --setzen: legt die Räume des Auftrags fest und speichert sie, wie es die\n"
+                 "Raumauswahl beim Schließen tut: Die Differenzliste wird geleert, T_Raum neu\n"
+                 "geschrieben und der Status der Räume aus den Scandaten gesetzt. Die Räume stehen\n"
+                 "als Raumnummern hinter dem Namen, in einer Datei (--datei) oder sind alle Räume der\n"
+                 "Gebäudestruktur (--alle). Ein neuer Raum bekommt den Status N, ein Raum des\n"
+                 "Auftrags behält seinen; RAUM:L markiert einen Raum (L), RAUM:N nimmt die\n"
+                 "Markierung zurück.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --setzen       die Räume festlegen, statt sie aufzulisten\n"
+                 "  --datei DATEI  Raumnummern aus der Datei, eine je Zeile, auch mit :L oder :N\n"
+                 "                 (leere Zeilen und Zeilen, die mit # beginnen, zählen nicht)\n"
+                 "  --alle         alle Räume der Gebäudestruktur\n",
+                 1, -1, {"--datei"}, {"--setzen", "--alle"},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown},
+                 {"qinventur-cli raeume \"Lager Süd\"", "qinventur-cli raeume \"Lager Süd\" --setzen 1.01 1.02 1.03:L",
+                  "qinventur-cli raeume \"Lager Süd\" --setzen --datei raeume.txt",
+                  "qinventur-cli raeume \"Lager Süd\" --setzen --alle"}});
+    c.push_back({"hinzufuegen", "hinzufuegen NAME DATEI... [--konflikt behalten|verwerfen]",
+                 "Scannerdateien hinzufügen",
+                 "Fügt dem Auftrag die Scannerdateien hinzu, wie \"Hinzufügen\" im Auftragsfenster, mit\n"
+                 "allen Prüfungen und Meldungen: Räume, die nicht zum Auftrag gehören, Daten\n"
+                 "verschiedener Tage, bereits eingelesene Räume und schon hinzugefügte Dateien weisen\n"
+                 "eine Datei ab. Die Dateien werden nicht kopiert; der Auftrag merkt sich ihren Pfad.\n"
+                 "\n"
+                 "Ein Objekt, das in zwei Räumen eingescannt wurde, entscheidet --konflikt: behalten\n"
+                 "behält das erste Auftreten, verwerfen ersetzt es durch das zweite. Ohne --konflikt\n"
+                 "hält ein solcher Konflikt den Befehl an.\n"
+                 "\n"
+                 "Wird eine Datei abgewiesen oder hält ein Konflikt den Befehl an, bleibt der Auftrag,\n"
+                 "wie er vor dem Befehl war: Keine der Dateien ist dann hinzugefügt.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --konflikt behalten|verwerfen  die Entscheidung für Objekte, die in zwei Räumen\n"
+                 "                                 eingescannt wurden\n",
+                 2, -1, {"--konflikt"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kNoRooms, kRoomsNotInOrder,
+                  kSeveralDays, kRoomsAlreadyRead, kFileAlreadyAdded, kUnresolvedConflict, kFileMissing},
+                 {"qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan1.dat /daten/scan2.dat",
+                  "qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan3.dat --konflikt verwerfen"}});
+    c.push_back({"entfernen", "entfernen NAME DATEINAME [--konflikt behalten|verwerfen]",
+                 "Scannerdatei entfernen und neu einlesen",
+                 "Entfernt die Scannerdatei DATEINAME (ihr Name ohne Ordner) aus dem Auftrag und liest\n"
+                 "die Scandaten aus den übrigen Dateien neu ein, wie \"Entfernen\" im Auftragsfenster.\n"
+                 "Objekte, die in zwei Räumen eingescannt wurden, entscheidet dabei wieder --konflikt\n"
+                 "(siehe \"hinzufuegen --help\"). Fehlt eine Datei an ihrem Ort, enthält eine Datei\n"
+                 "Räume einer vorhergehenden oder hält ein Konflikt den Befehl an, bleibt der Auftrag,\n"
+                 "wie er vor dem Befehl war.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --konflikt behalten|verwerfen  die Entscheidung für Objekte, die in zwei Räumen\n"
+                 "                                 eingescannt wurden\n",
+                 2, 2, {"--konflikt"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomsAlreadyRead,
+                  kUnresolvedConflict, kFileMissing},
+                 {"qinventur-cli entfernen \"Lager Süd\" scan2.dat --konflikt behalten"}});
+    c.push_back({"neu-einlesen", "neu-einlesen NAME [--konflikt behalten|verwerfen]",
+                 "Scandaten aus allen Dateien neu einlesen",
+                 "Liest die Scandaten des Auftrags aus allen seinen Scannerdateien neu ein, wie\n"
+                 "\"Auswertung aktualisieren\" im Auftragsfenster. Objekte, die in zwei Räumen\n"
+                 "eingescannt wurden, entscheidet dabei wieder --konflikt (siehe \"hinzufuegen\n"
+                 "--help\"). Fehlt eine Datei an ihrem Ort, enthält eine Datei Räume einer\n"
+                 "vorhergehenden oder hält ein Konflikt den Befehl an, bleibt der Auftrag, wie er vor\n"
+                 "dem Befehl war.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --konflikt behalten|verwerfen  die Entscheidung für Objekte, die in zwei Räumen\n"
+                 "                                 eingescannt wurden\n",
+                 1, 1, {"--konflikt"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomsAlreadyRead,
+                  kUnresolvedConflict, kFileMissing},
+                 {"qinventur-cli neu-einlesen \"Lager Süd\" --konflikt verwerfen"}});
+    c.push_back({"auswerten", "auswerten NAME", "Differenzliste erstellen",
+                 "Erstellt die Differenzliste des Auftrags neu, wie es jeder Differenzbericht und jede\n"
+                 "Fehlerliste zuerst tut, und gibt die Anzahl der Objekte je Kategorie aus:\n"
+                 "Kategorie und Anzahl, durch einen Tabulator getrennt, mit einer Kopfzeile.\n",
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli auswerten \"Lager Süd\""}});
+    c.push_back({"bericht", "bericht NAME BERICHT --ausgabe PFAD [--format pdf|xlsx|csv]",
+                 "Bericht oder Fehlerliste schreiben",
+                 "Schreibt einen Bericht oder eine Fehlerliste des Auftrags in eine Datei, mit derselben\n"
+                 "Vorbereitung wie die Menüs des Auftragsfensters (Differenzberichte und Fehlerlisten\n"
+                 "erstellen zuerst die Differenzliste neu). BERICHT ist einer von:\n"
+                 "  artikel             Berichte: Artikel (Artikelaufstellung)\n"
+                 "  raumerfassung       Berichte: Raumerfassung (Raumliste)\n"
+                 "  inventur            Berichte: Inventur (Inventurliste)\n"
+                 "  inventurauswertung  Berichte: Inventurauswertung (Differenzliste)\n"
+                 "  differenz           Berichte: Differenz (Differenzliste)\n"
+                 "  neu                 Fehlerlisten: Neues Inventar\n"
+                 "  verschoben          Fehlerlisten: Verschobenes Inventar\n"
+                 "  fehlend             Fehlerlisten: Fehlendes Inventar\n"
+                 "\n"
+                 "Wie im Auftragsfenster kürzt eine Fehlerliste die Differenzliste des Auftrags auf\n"
+                 "ihre Zeilen; der nächste Differenzbericht, die nächste Fehlerliste oder \"auswerten\"\n"
+                 "erstellen sie wieder vollständig.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --ausgabe PFAD         die Datei, die geschrieben wird (eine vorhandene wird ersetzt)\n"
+                 "  --format pdf|xlsx|csv  die Art der Datei: pdf die gedruckten Seiten, xlsx eine\n"
+                 "                         Tabelle, csv Zeilen mit Semikolons in UTF-8; ohne --format\n"
+                 "                         nach der Endung von PFAD\n",
+                 2, 2, {"--ausgabe", "--format"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli bericht \"Lager Süd\" differenz --format pdf --ausgabe differenz.pdf",
+                  "qinventur-cli bericht \"Lager Süd\" fehlend --ausgabe fehlend.csv"}});
+    c.push_back({"export", "export NAME --ausgabe ORDNER [--format pdf|xlsx|csv]",
+                 "alle Berichte und Fehlerlisten schreiben",
+                 "Schreibt alle Berichte und Fehlerlisten des Auftrags (siehe \"bericht --help\") in den\n"
+                 "Ordner ORDNER, der angelegt wird, wenn es ihn nicht gibt: je eine Datei\n"
+                 "BERICHT.FORMAT, zum Beispiel differenz.pdf. Vorhandene Dateien werden ersetzt. Die\n"
+                 "Fehlerlisten kommen zuletzt: danach enthält die Differenzliste die Zeilen der\n"
+                 "fehlenden Objekte.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --ausgabe ORDNER       der Ordner für die Dateien\n"
+                 "  --format pdf|xlsx|csv  die Art der Dateien (ohne --format: pdf)\n",
+                 1, 1, {"--ausgabe", "--format"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli export \"Lager Süd\" --ausgabe berichte", 
+                  "qinventur-cli export \"Lager Süd\" --ausgabe berichte --format xlsx"}});
+    c.push_back({"archiv", "archiv NAME", "Scandaten in einer Datei zusammenfassen",
+                 "Fasst die Scandaten des Auftrags in einer Datei zusammen, wie \"Scandaten\n"
+                 "zusammenfassen\" im Auftragsfenster: \"Inventur\\NAME.dat\" im Projektordner, eine Zeile\n"
+                 "je eingescanntem Objekt im Format der Scannerdateien. Eine vorhandene Datei wird\n"
+                 "ersetzt.\n",
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 {"qinventur-cli archiv \"Lager Süd\""}});
+    return c;
+}
+
+bool contains(const std::vector<std::string_view>& list, std::string_view s)
+{
+    return std::find(list.begin(), list.end(), s) != list.end();
+}
+
+/// True when some command takes the option with a value (so that the value can be told from
+/// an argument before the command is known).
+bool takesValue(std::string_view option)
+{
+    if (option == kProjekt)
+        return true;
+    for (const CommandSpec& c : commands())
+        if (contains(c.valueOptions, option))
+            return true;
+    return false;
+}
+
+bool isFlag(std::string_view option)
+{
+    for (const CommandSpec& c : commands())
+        if (contains(c.flags, option))
+            return true;
+    return false;
+}
+
+std::string codeLines(const std::vector<ExitCode>& codes)
+{
+    std::string out;
+    for (const ExitCodeInfo& info : kExitCodes)
+        if (std::find(codes.begin(), codes.end(), info.code) != codes.end())
+            out += (info.code < 10 ? "   " : "  ") + std::to_string(info.code) + "  " + std::string(info.meaning) + "\n";
+    return out;
+}
+
+std::string exampleLines(const std::vector<std::string_view>& examples)
+{
+    std::string out;
+    for (std::string_view e : examples)
+        out += "  " + std::string(e) + "\n";
+    return out;
+}
+
+} // namespace
+
+const std::vector<CommandSpec>& commands()
+{
+    static const std::vector<CommandSpec> all = makeCommands();
+    return all;
+}
+
+const CommandSpec* findCommand(std::string_view name)
+{
+    for (const CommandSpec& c : commands())
+        if (c.name == name)
+            return &c;
+    return nullptr;
+}
+
+std::string Invocation::option(const std::string& name, const std::string& fallback) const
+{
+    const auto it = options.find(name);
+    return it == options.end() ? fallback : it->second;
+}
+
+Invocation parseCommandLine(const std::vector<std::string>& arguments)
+{
+    Invocation inv;
+    std::vector<std::string> words;
+    std::vector<std::pair<std::string, std::string>> given; // options in the order given
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& a = arguments[i];
+        if (optionsEnded || a.size() < 2 || a[0] != '-') {
+            words.push_back(a);
+            continue;
+        }
+        if (a == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        if (a == "--help" || a == "-h") {
+            inv.help = true;
+            continue;
+        }
+        const std::size_t eq = a.find('=');
+        const std::string name = a.substr(0, eq);
+        if (takesValue(name)) {
+            std::string value;
+            if (eq != std::string::npos)
+                value = a.substr(eq + 1);
+            else if (i + 1 < arguments.size())
+                value = arguments[++i];
+            else
+                throw UsageError("Die Option " + name + " braucht einen Wert.");
+            given.emplace_back(name, value);
+        } else if (isFlag(name) && eq == std::string::npos) {
+            given.emplace_back(name, std::string());
+        } else {
+            throw UsageError("Die Option " + a + " gibt es nicht.");
+        }
+    }
+
+    if (!words.empty()) {
+        inv.command = words.front();
+        inv.args.assign(words.begin() + 1, words.end());
+    }
+    if (inv.command == "hilfe") {
+        inv.help = true;
+        inv.command = inv.args.empty() ? std::string() : inv.args.front();
+        inv.args.clear();
+    }
+    const CommandSpec* spec = inv.command.empty() ? nullptr : findCommand(inv.command);
+    if (!inv.command.empty() && !spec)
+        throw UsageError("Den Befehl '" + inv.command + "' gibt es nicht.");
+
+    for (const auto& [name, value] : given) {
+        if (name == kProjekt) {
+            inv.projekt = value;
+            continue;
+        }
+        if (!spec || !(contains(spec->valueOptions, name) || contains(spec->flags, name)))
+            throw UsageError("Die Option " + name +
+                             (spec ? " gibt es für den Befehl " + inv.command + " nicht." : " gehört zu einem Befehl."));
+        if (inv.options.count(name) || inv.flags.count(name))
+            throw UsageError("Die Option " + name + " ist zweimal angegeben.");
+        if (contains(spec->flags, name))
+            inv.flags.insert(name);
+        else
+            inv.options[name] = value;
+    }
+    if (inv.help)
+        return inv;
+    if (!spec)
+        throw UsageError("Es fehlt ein Befehl.");
+    const int n = int(inv.args.size());
+    if (n < spec->minArgs)
+        throw UsageError("Es fehlt ein Argument.");
+    if (spec->maxArgs >= 0 && n > spec->maxArgs)
+        throw UsageError("Zu viele Argumente.");
+    return inv;
+}
+
+std::string overallHelp()
+{
+    std::string out;
+    out += "qinventur-cli: Inventuraufträge ohne Fenster bearbeiten, mit denselben Datenbanken und\n"
+           "Meldungen wie QInventur, für Skripte und regelmäßige Läufe.\n"
+           "\n"
+           "Aufruf:\n"
+           "  qinventur-cli [--projekt ORDNER] BEFEHL [ARGUMENTE] [OPTIONEN]\n"
+           "  qinventur-cli BEFEHL --help\n"
+           "  qinventur-cli --help\n"
+           "\n"
+           "Das Projekt ist das aktuelle Projekt aus \"Quarn.ini\" im Programmordner, wie beim\n"
+           "Programm QInventur, oder der Ordner hinter --projekt.\n"
+           "\n"
+           "Befehle:\n";
+    for (const CommandSpec& c : commands()) {
+        std::string line = "  " + std::string(c.name);
+        line.resize(17, ' ');
+        out += line + std::string(c.summary) + "\n";
+    }
+    out += "\n"
+           "Optionen für alle Befehle:\n"
+           "  --projekt ORDNER  der Projektordner (statt des Projekts aus \"Quarn.ini\")\n"
+           "  --help, -h        diese Hilfe, oder mit einem Befehl dessen Hilfe\n"
+           "\n"
+           "Meldungen stehen auf der Standardfehlerausgabe als \"[Titel] Text\", mit den Worten der\n"
+           "Fenster; Listen stehen auf der Standardausgabe. Auf einem Terminal zeigen lange\n"
+           "Einlese- und Auswertungsläufe eine Fortschrittszeile.\n"
+           "\n"
+           "Rückgabewerte:\n";
+    std::vector<ExitCode> all;
+    for (const ExitCodeInfo& info : kExitCodes)
+        all.push_back(info.code);
+    out += codeLines(all);
+    out += "\n"
+           "Beispiele:\n";
+    out += exampleLines({"qinventur-cli auftraege", "qinventur-cli anlegen \"Lager Süd\" --mitarbeiter Meier",
+                         "qinventur-cli raeume \"Lager Süd\" --setzen 1.01 1.02 1.03:L",
+                         "qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan1.dat --konflikt behalten",
+                         "qinventur-cli bericht \"Lager Süd\" differenz --ausgabe differenz.pdf",
+                         "qinventur-cli export \"Lager Süd\" --ausgabe berichte",
+                         "qinventur-cli raeume --help"});
+    return out;
+}
+
+std::string commandHelp(const CommandSpec& command)
+{
+    std::string out = std::string(kProgram) + " " + std::string(command.name) + ": " + std::string(command.summary) +
+                      "\n\nAufruf:\n  " + std::string(kProgram) + " [--projekt ORDNER] " +
+                      std::string(command.synopsis) + "\n\n" + std::string(command.description);
+    out += "\nRückgabewerte:\n" + codeLines(command.exitCodes);
+    out += "\n" + std::string(command.examples.size() == 1 ? "Beispiel:\n" : "Beispiele:\n") +
+           exampleLines(command.examples);
+    return out;
+}
+
+} // namespace qi::cli
