@@ -1,5 +1,7 @@
 #include "LinkedDatabase.h"
 
+#include "DatabaseStructure.h"
+
 #include "FileSystem.h"
 
 #include <algorithm>
@@ -114,7 +116,12 @@ void LinkedDatabase::createSchema(Database& db)
 
 std::unique_ptr<LinkedDatabase> LinkedDatabase::open(const std::string& path)
 {
-    return std::unique_ptr<LinkedDatabase>(new LinkedDatabase(Database::open(path)));
+    auto db = Database::open(path);
+    static const Structure expected = structureMadeBy(createSchema);
+    if (const std::string missing = missingStructure(*db, expected); !missing.empty())
+        throw DbError(dberr::UnrecognizedFormat,
+                      "Die Datei '" + displayPath(path) + "' ist keine Datenbank mit Tabellenverknüpfungen: " + missing + ".");
+    return std::unique_ptr<LinkedDatabase>(new LinkedDatabase(std::move(db)));
 }
 
 std::vector<TableLink> LinkedDatabase::links()
