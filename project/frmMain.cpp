@@ -4,6 +4,7 @@
 #include "FileSystem.h"
 #include "HelpTools.h"
 #include "ListView.h"
+#include "ProjectAccess.h"
 #include "ReportLinks.h"
 #include "Startup.h"
 #include "TableRecordset.h"
@@ -17,6 +18,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
+#include <QStatusBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -171,12 +173,25 @@ void frmMain::Form_Load()
     setWindowTitle(QString::fromStdString(r.caption));
     if (!r.completed)
         return;
+    projectLock_ = std::move(r.lock);
     inventurDb_ = std::move(r.inventurDb);
     gebDb_ = std::move(r.gebDb);
     objektDb_ = std::move(r.objektDb);
     dbAuftrag_ = std::make_unique<CAuftragDb>(ui_);
     newCurrent();
+    if (settings_.readOnly)
+        showReadOnly();
     InitAuftraege();
+}
+
+void frmMain::showReadOnly()
+{
+    mnuDateiFkt[menuindex::NewOrder]->setEnabled(false);
+    mnuDateiFkt[menuindex::DeleteOrder]->setEnabled(false);
+    lbNurAnsehen = new QLabel(QStringLiteral("Nur zum Ansehen geöffnet"), this);
+    lbNurAnsehen->setObjectName(QStringLiteral("lbNurAnsehen"));
+    lbNurAnsehen->setToolTip(QString::fromStdString(settings_.readOnlyReason));
+    statusBar()->addWidget(lbNurAnsehen);
 }
 
 void frmMain::detachCurrent()
@@ -280,19 +295,23 @@ void frmMain::lvAuftraege_DblClick()
         if (!path.empty() && path.front() == '\\')
             path = settings_.gstProjektPfad + path.substr(1);
         dbAuftrag_->setDbPath(path);
-
-        rec->letzte_Aenderung = JetDate::now();
-        rec->bOffen = -1;
         if (!inventurDb_)
             throw RunError(rterr::NoObject);
-        if (!inventurDb_->EditAuftragRec(rec))
-            throw RunError(inventurDb_->LastError());
 
-        dbAuftrag_->setOpenReadOnly(Value(std::int64_t{0}));
-        if (!dbAuftrag_->OpenDb())
+        // The order's file is opened and checked before its record is stamped: a file that is
+        // no order database leaves the register as it was. An order opened read-only is not
+        // stamped, and the program's report database is left to the program that may change it.
+        if (!OpenOrderForWork(*dbAuftrag_, settings_, ui_))
             throw RunError(dbAuftrag_->LastError());
-
-        CheckReportMdbLink(settings_, dbAuftrag_->DbPath(), ui_);
+        rec->bOffen = -1;
+        if (!dbAuftrag_->isReadOnly()) {
+            rec->letzte_Aenderung = JetDate::now();
+            if (!inventurDb_->EditAuftragRec(rec)) {
+                dbAuftrag_->CloseDb();
+                throw RunError(inventurDb_->LastError());
+            }
+            CheckReportMdbLink(settings_, dbAuftrag_->DbPath(), ui_);
+        }
 
         if (!orderWindowFactory_)
             throw RunError(rterr::NoObject);
@@ -369,6 +388,10 @@ std::pair<std::string, std::string> frmMain::askNewOrder()
 
 void frmMain::MakeNewOrder()
 {
+    if (settings_.readOnly) {
+        ui_.messageBox(accessmsg::ProjectReadOnly, MsgButtons::Ok, MsgIcon::Exclamation, accessmsg::Title);
+        return;
+    }
     if (!inventurDb_) {
         ui_.showError(mainlabel::MakeNewOrder, rterr::NoObject);
         return;
@@ -406,13 +429,17 @@ void frmMain::MakeNewOrder()
         InitAuftraege();
         return;
     }
+    const std::string made = path;
     const std::string& project = settings_.gstProjektPfad;
     if (path.find(project) != std::string::npos)
         path = "\\" + path.substr(project.size());
     rec.stPfad = path;
 
-    if (!inventurDb_->AddNewAuftragRec(&rec))
+    if (!inventurDb_->AddNewAuftragRec(&rec)) {
+        // An order the register does not know would stay behind unseen: its new file goes again.
+        removeFile(made);
         ui_.showError(mainlabel::MakeNewOrder, inventurDb_->LastError());
+    }
     InitAuftraege();
 }
 
@@ -432,14 +459,32 @@ bool frmMain::MakeDatabase(std::string& path)
         const std::string source = settings_.gstProjektPfad + kTemplateOrderDb;
         if (!fileExists(source))
             throw RunError(rterr::FileNotFound);
-        if (!copyFile(source, target))
+        // Only an order database is copied, read in one consistent state; the new file is the
+        // program's own (writable whatever the template's rights) and goes again if it can't be completed.
+        CAuftragDb empty(ui_);
+        empty.setDbPath(source);
+        empty.setOpenReadOnly(Value(std::int64_t{-1}));
+        if (!empty.OpenCheckedDb())
+            throw RunError(empty.LastError());
+        try {
+            empty.database()->copyTo(target);
+        } catch (const DbError& e) {
+            // A full disk or a locked template says so; any other copy that fails is an access error.
+            if (e.number() == dberr::DiskFull || e.number() == dberr::DiskOrNetwork || e.number() == dberr::Locked)
+                throw;
             throw RunError(rterr::PathFileAccess);
-
-        auto db = Database::open(target);
-        TableRecordset rs(*db, "T_Auftrag");
-        rs.addNew();
-        rs.setField("stAuftrag", name);
-        rs.update();
+        }
+        empty.CloseDb();
+        try {
+            auto db = Database::open(target);
+            TableRecordset rs(*db, "T_Auftrag");
+            rs.addNew();
+            rs.setField("stAuftrag", name);
+            rs.update();
+        } catch (const std::exception&) {
+            removeFile(target);
+            throw;
+        }
         path = target;
         return true;
     } catch (const std::exception& e) {
@@ -461,6 +506,10 @@ void frmMain::closeWorkWindow()
 
 void frmMain::deleteSelectedOrder()
 {
+    if (settings_.readOnly) {
+        ui_.messageBox(accessmsg::ProjectReadOnly, MsgButtons::Ok, MsgIcon::Exclamation, accessmsg::Title);
+        return;
+    }
     QTreeWidgetItem* item = selectedItem();
     if (!item) {
         ui_.messageBox(ordermsg::SelectFirst, MsgButtons::Ok, MsgIcon::Exclamation, ordermsg::SelectFirstTitle);
@@ -510,7 +559,8 @@ void frmMain::Form_Unload()
     unloaded_ = true;
     if (recAuftrag_) {
         recAuftrag_->bOffen = 0;
-        if (recAuftrag_->lID > 0) {
+        // A read-only project's register is not written.
+        if (recAuftrag_->lID > 0 && !settings_.readOnly) {
             const bool saved = inventurDb_ && inventurDb_->EditAuftragRec(recAuftrag_);
             if (!saved) {
                 ui_.showError(mainlabel::Unload, inventurDb_ ? inventurDb_->LastError() : rterr::NoObject);
@@ -523,6 +573,7 @@ void frmMain::Form_Unload()
     inventurDb_.reset();
     objektDb_.reset();
     gebDb_.reset();
+    projectLock_.reset();
 }
 
 } // namespace qi
