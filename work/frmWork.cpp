@@ -4,6 +4,7 @@
 
 #include "DbError.h"
 #include "FileSystem.h"
+#include "ProjectAccess.h"
 #include "QuarnHost.h"
 #include "ScannerFile.h"
 #include "TextFile.h"
@@ -70,7 +71,7 @@ bool frmWork::Init()
     try {
         lvDateien.clear();
         check(f_DBAuftrag.ReadAllDateienRec2Coll(f_collDateien), f_DBAuftrag);
-        pbRemoveEnabled = f_collDateien.Count() > 0;
+        pbRemoveEnabled = f_collDateien.Count() > 0 && !readOnly();
         for (const CDateienRec& d : f_collDateien)
             lvDateien.push_back({CDateienRecColl::MakeIndex(d.lID), d.stName, {d.Datum, d.stPfad}});
         if (onDateienChanged)
@@ -249,14 +250,27 @@ bool frmWork::GetDataFromDat()
 bool frmWork::DatEinlesen()
 {
     const bool ok = GetDataFromDat();
-    f_DBAuftrag.WriteReihenfolgeDatInventur();
+    // After a failure of the disk the import is gone as a whole; there is nothing to number.
+    if (!storageFailed())
+        f_DBAuftrag.WriteReihenfolgeDatInventur();
     return ok;
 }
+
+namespace {
+/// True for a failure of the disk (full, or failing), after which a command's changes are undone.
+bool isDiskFailure(const std::exception& e)
+{
+    const auto* db = dynamic_cast<const DbError*>(&e);
+    return db && (db->number() == dberr::DiskFull || db->number() == dberr::DiskOrNetwork);
+}
+} // namespace
 
 // ---------------------------------------------------------------- data file list
 
 void frmWork::pbAdd_Click()
 {
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return;
     try {
         check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);
         if (f_collRooms.Count() == 0) {
@@ -308,7 +322,15 @@ void frmWork::pbAdd_Click()
         ui_.processEvents();
         DatEinlesen();
         ui_.processEvents();
-        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+        const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
+        if (storageFailed()) {
+            // The disk took nothing of the file (the import said why): the order is as before it.
+            ui_.setBusy(false);
+            Init();
+            InitData();
+            return;
+        }
+        if (statusSet) {
             Init();
             InitData();
         }
@@ -317,12 +339,17 @@ void frmWork::pbAdd_Click()
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbAdd_Click", e.what());
+        // The file's changes could not be written and are gone: the lists show the order as it is.
+        if (isDiskFailure(e)) {
+            Init();
+            InitData();
+        }
     }
 }
 
 void frmWork::pbRemove_Click(const std::string& itemKey, const std::string& itemText)
 {
-    if (itemKey.empty())
+    if (itemKey.empty() || RefuseOrderChange(f_DBAuftrag, ui_))
         return;
     try {
         if (!ui_.askYesNo("Die Datei '" + itemText +
@@ -380,8 +407,11 @@ void frmWork::clearScanData()
 
 void frmWork::pbNeu_Click()
 {
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return;
     // All scan data are made anew as one: a process that dies on the way leaves the order as
-    // it was; the specified stops (a missing file, rooms read twice) keep what they left.
+    // it was; the specified stops (a missing file, rooms read twice) keep what they left. A disk
+    // that can't take the changes leaves the order as it was, too.
     KeptTransaction tx(f_DBAuftrag);
     try {
         ui_.setBusy(true);
@@ -408,8 +438,16 @@ void frmWork::pbNeu_Click()
                 break;
             }
             GetDataFromDat();
+            if (storageFailed())
+                break;
         }
         progress.end();
+        if (storageFailed()) {
+            ui_.setBusy(false);
+            Init();
+            InitData();
+            return;
+        }
 
         if (conflict) {
             ui_.setBusy(false);
@@ -421,7 +459,8 @@ void frmWork::pbNeu_Click()
         }
 
         f_DBAuftrag.WriteReihenfolgeDatInventur();
-        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+        const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
+        if (statusSet) {
             Init();
             InitData();
         }
@@ -430,6 +469,10 @@ void frmWork::pbNeu_Click()
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbNeu_Click", e.what());
+        if (storageFailed() || isDiskFailure(e)) {
+            Init();
+            InitData();
+        }
     }
 }
 
@@ -437,6 +480,9 @@ void frmWork::pbNeu_Click()
 
 std::string frmWork::MakeArchive()
 {
+    // The archive is written into the project folder, which a read-only order leaves alone.
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return {};
     try {
         const std::string dbName = fileNamePart(f_DBAuftrag.DbPath());
         if (dbName.size() < 4)

@@ -56,6 +56,21 @@ private:
     std::optional<Database::Transaction> tx_;
 };
 
+/// A private copy of an order that is open read-only, with a private copy of the report
+/// database linked to it, in a folder of its own below the system's temporary folder: a
+/// report that first writes its lists into the order is made there, and the order itself is
+/// not touched. The folder goes with the object.
+struct frmWork::PrivateCopy {
+    explicit PrivateCopy(UserInteraction& ui) : db(ui) {}
+    ~PrivateCopy();
+    PrivateCopy(const PrivateCopy&) = delete;
+    PrivateCopy& operator=(const PrivateCopy&) = delete;
+
+    std::string folder;
+    Settings settings;
+    CAuftragDb db;
+};
+
 /// Progress of a long run (reading files, the evaluation); nested scopes share the outermost one.
 class ProgressScope {
 public:
