@@ -24,8 +24,9 @@ void prepareCrashOrder(const CrashOrder& o);
 
 /// The operations the harness kills, by name: "hinzufuegen" (add a file of 10,000 lines),
 /// "entfernen" (remove a file and rebuild), "neu" (rebuild), "auswerten" (evaluation),
-/// "artikel" (article tally), "inventur" (inventory list). Runs one on the order to its
-/// end; false when the name is unknown or the operation reported a failure.
+/// "artikel" (article tally), "inventur" (inventory list), "raeume" (the room selection takes
+/// rooms in and out and saves). Runs one on the order to its end; false when the name is
+/// unknown or the operation reported a failure.
 bool runCrashOperation(const CrashOrder& o, const std::string& operation);
 
 /// A digest of every row of every table of a database file (key order), and whether the
