@@ -57,10 +57,12 @@ void startEngine()
 void configure(sqlite3* raw)
 {
     registerJetCollation(raw);
-    sqlite3_busy_timeout(raw, 2000);
     sqlite3_extended_result_codes(raw, 1);
-    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL", nullptr,
+    // Set before the wait: a file another program keeps locked keeps the engine's own journal
+    // setting (the same) rather than making the user wait twice.
+    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA synchronous = FULL; PRAGMA journal_mode = DELETE", nullptr,
                  nullptr, nullptr);
+    sqlite3_busy_timeout(raw, 2000);
 }
 
 Value parseDefault(const unsigned char* text)

@@ -168,7 +168,7 @@ void LinkedDatabase::checkSource(const TableLink& link)
     if (!source->tableExists(link.sourceTable))
         throw DbError(linkerr::ObjectNotFound,
                       "Das Objekt '" + link.sourceTable + "' wurde in der Datenbank '" +
-                          (file.empty() ? odbcSource(link.connect) : file) +
+                          (file.empty() ? odbcSource(link.connect) : displayPath(file)) +
                           "' nicht gefunden. Stellen Sie sicher, dass das Objekt existiert und dass Sie den Namen "
                           "richtig geschrieben haben.");
 }
