@@ -315,8 +315,12 @@ void frmWork::pbAdd_Click()
         // The file's row, its scan lines, their numbers and the rooms' status are written as
         // one: a process that dies on the way leaves the order as it was before the file.
         KeptTransaction tx(f_DBAuftrag);
-        if (!f_DBAuftrag.AddNewDateienRec(&datei))
+        if (!f_DBAuftrag.AddNewDateienRec(&datei)) {
+            // Only a name the order holds already is refused so; a disk that can't take the row says why.
+            if (storageFailed())
+                throw Failure(f_DBAuftrag.LastError());
             return refuse(kSchonHinzugefuegt);
+        }
 
         f_lDatId = datei.lID;
         ui_.processEvents();
@@ -340,7 +344,7 @@ void frmWork::pbAdd_Click()
         ui_.setBusy(false);
         ui_.showError("frmWork.pbAdd_Click", e.what());
         // The file's changes could not be written and are gone: the lists show the order as it is.
-        if (isDiskFailure(e)) {
+        if (storageFailed() || isDiskFailure(e)) {
             Init();
             InitData();
         }

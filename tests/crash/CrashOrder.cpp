@@ -61,12 +61,6 @@ void writeScanFile(const demo::Installation& inst, int first, int last, const st
     }
 }
 
-void hexOf(std::uint64_t h, std::string& out)
-{
-    static const char* digits = "0123456789abcdef";
-    for (int i = 60; i >= 0; i -= 4)
-        out += digits[(h >> i) & 0xF];
-}
 
 } // namespace
 
@@ -205,47 +199,6 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
             ok = false;
         }
     return ok;
-}
-
-std::string contentDigest(const std::string& databaseFile)
-{
-    auto db = Database::open(databaseFile, true);
-    const Recordset tables =
-        db->query("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite_%' ORDER BY name");
-    // FNV-1a over the tables' names and every value of every row in key order.
-    std::uint64_t h = 1469598103934665603ull;
-    const auto add = [&h](const std::string& bytes) {
-        for (unsigned char c : bytes) {
-            h ^= c;
-            h *= 1099511628211ull;
-        }
-        h ^= 0xFF;
-        h *= 1099511628211ull;
-    };
-    std::size_t rows = 0;
-    for (const auto& t : tables.rows()) {
-        const std::string name = toText(t[0]);
-        add(name);
-        Statement& st = db->prepare("SELECT * FROM \"" + name + "\" ORDER BY rowid");
-        st.bindAll({});
-        while (st.step()) {
-            ++rows;
-            for (int c = 0; c < st.columnCount(); ++c) {
-                const Value v = st.column(c);
-                add(isNull(v) ? std::string("\x01") : toText(v));
-            }
-        }
-        st.reset();
-    }
-    std::string out = std::to_string(rows) + ":";
-    hexOf(h, out);
-    return out;
-}
-
-bool integrityOk(const std::string& databaseFile)
-{
-    auto db = Database::open(databaseFile);
-    return toText(db->scalar("PRAGMA integrity_check")) == "ok";
 }
 
 } // namespace qi::test

@@ -29,9 +29,4 @@ void prepareCrashOrder(const CrashOrder& o);
 /// unknown or the operation reported a failure.
 bool runCrashOperation(const CrashOrder& o, const std::string& operation);
 
-/// A digest of every row of every table of a database file (key order), and whether the
-/// file passes the engine's integrity check.
-std::string contentDigest(const std::string& databaseFile);
-bool integrityOk(const std::string& databaseFile);
-
 } // namespace qi::test

@@ -41,6 +41,12 @@ void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
 
+/// A digest of every row of every table of a database file (in key order): equal digests,
+/// equal content. The file must not be open elsewhere in this process.
+std::string contentDigest(const std::string& databaseFile);
+/// True when the file passes the engine's integrity check.
+bool integrityOk(const std::string& databaseFile);
+
 /// Leaves a failure text in the database object's LastError (reading a key that is not
 /// there), so that a test can tell an operation that clears or keeps it.
 std::string leaveLastError(CAuftragDb& db);
