@@ -32,24 +32,6 @@ protected:
         ASSERT_NE(work(), nullptr);
         ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
     }
-    /// Puts the rooms of the first floor into the order through the room selection.
-    void chooseFirstFloor()
-    {
-        whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
-            w.tvGeb->SelectNode(firstFloor());
-            emit w.tvGeb->Click();
-            w.pbAllIn->click();
-            w.pbFertig->click();
-        });
-        work()->pbRooms->click();
-    }
-    std::int32_t firstFloor() const
-    {
-        for (const demo::Node& n : inst.nodes)
-            if (n.typ == 3)
-                return n.id;
-        return 0;
-    }
     static QStringList headings(const QTreeWidget& view)
     {
         QStringList out;
