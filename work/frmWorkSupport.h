@@ -26,7 +26,8 @@ inline void check(bool ok, const CAuftragDb& db)
 
 /// One transaction over a procedure's writes to the order database. What was written
 /// stays also when the procedure stops on an error (it is committed then as well); only
-/// a process that dies on the way leaves the order as it was before the procedure.
+/// a process that dies on the way, or a disk that can't take the changes (see
+/// Database::storageFailed), leaves the order as it was before the procedure.
 class KeptTransaction {
 public:
     /// Begins the transaction; with no open database there is none (the calls then fail on their own).
