@@ -27,7 +27,4 @@ void copyFileOver(const std::string& from, const std::string& to);
 /// Ends the process with the text when `ok` is false, so that libFuzzer records the input.
 void require(bool ok, const char* what);
 
-/// True when the bytes are well-formed UTF-8.
-bool isUtf8(std::string_view text);
-
 } // namespace qi::fuzz

@@ -6,6 +6,7 @@
 #include "FuzzSupport.h"
 
 #include "ProfileFile.h"
+#include "TextFile.h"
 
 #include <utility>
 #include <vector>
@@ -21,7 +22,7 @@ void lookUp(const std::string& file, const std::string& section, const std::stri
     const std::string value = readProfileValue(file, section, key, kDefault);
     if (value == kDefault)
         return;
-    fuzz::require(fuzz::isUtf8(value), "a value is well-formed UTF-8");
+    fuzz::require(isUtf8(value), "a value is well-formed UTF-8");
     fuzz::require(value.find('\n') == std::string::npos, "a value is one line");
 }
 

@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     // The conversions alone, on bytes that need not be UTF-8.
     const std::string utf8 = fromWindows1252(in);
-    fuzz::require(fuzz::isUtf8(utf8), "Windows-1252 bytes become well-formed UTF-8");
+    fuzz::require(isUtf8(utf8), "Windows-1252 bytes become well-formed UTF-8");
     fuzz::require(toWindows1252(utf8) == in, "Windows-1252 bytes survive the way to UTF-8 and back");
     fuzz::require(toWindows1252(in).size() <= in.size(), "converting to Windows-1252 never lengthens");
 

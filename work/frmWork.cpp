@@ -279,7 +279,9 @@ void frmWork::pbAdd_Click()
         }
 
         FileDialogRequest request;
-        request.startFolder = folderPart(f_stfilename);
+        // Before the first file the dialog opens in the project folder, where scanner
+        // files are usually put; afterwards in the folder of the file added last.
+        request.startFolder = f_stfilename.empty() ? settings_.gstProjektPfad : folderPart(f_stfilename);
         request.filter = kFilter;
         request.filterIndex = 2;
         const std::optional<std::string> chosen = ui_.openFile(request);

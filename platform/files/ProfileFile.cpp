@@ -27,24 +27,6 @@ std::string_view trim(std::string_view s)
 /// Names compared as Windows does: letter case ignored (both are trimmed already).
 bool sameName(std::string_view a, std::string_view b) { return jetEqual(a, b); }
 
-/// True when the bytes are well-formed UTF-8 (plain ASCII included).
-bool isUtf8(std::string_view s)
-{
-    for (std::size_t i = 0; i < s.size();) {
-        const auto b = static_cast<unsigned char>(s[i]);
-        const std::size_t len = b < 0x80 ? 1 : (b & 0xE0) == 0xC0 && b >= 0xC2 ? 2 : (b & 0xF0) == 0xE0 ? 3
-                              : (b & 0xF8) == 0xF0 && b <= 0xF4                ? 4
-                                                                               : 0;
-        if (len == 0 || i + len > s.size())
-            return false;
-        for (std::size_t k = 1; k < len; ++k)
-            if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80)
-                return false;
-        i += len;
-    }
-    return true;
-}
-
 /// The file's text as UTF-8; nothing when it can't be read.
 bool readText(const std::string& file, std::string& text)
 {

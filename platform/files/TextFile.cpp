@@ -114,6 +114,23 @@ std::string toWindows1252(std::string_view utf8)
     return out;
 }
 
+bool isUtf8(std::string_view s)
+{
+    for (std::size_t i = 0; i < s.size();) {
+        const auto b = static_cast<unsigned char>(s[i]);
+        const std::size_t len = b < 0x80 ? 1 : (b & 0xE0) == 0xC0 && b >= 0xC2 ? 2 : (b & 0xF0) == 0xE0 ? 3
+                              : (b & 0xF8) == 0xF0 && b <= 0xF4                ? 4
+                                                                               : 0;
+        if (len == 0 || i + len > s.size())
+            return false;
+        for (std::size_t k = 1; k < len; ++k)
+            if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80)
+                return false;
+        i += len;
+    }
+    return true;
+}
+
 // ---------------------------------------------------------------- reader
 
 TextFileReader::TextFileReader(const std::string& path)

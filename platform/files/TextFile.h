@@ -16,6 +16,9 @@ std::string fromWindows1252(std::string_view bytes);
 /// UTF-8 text as Windows-1252 bytes; a character the code page lacks (or an
 /// invalid UTF-8 sequence) becomes "?".
 std::string toWindows1252(std::string_view utf8);
+/// True when the bytes are well-formed UTF-8 (plain ASCII included; no overlong
+/// two-byte forms, nothing beyond U+10FFFF).
+bool isUtf8(std::string_view bytes);
 
 /// Reads a text file line by line. A line ends at CR LF, at LF or at a lone CR;
 /// a last line without end counts. Any byte is accepted; lines may be of any length.

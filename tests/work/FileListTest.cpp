@@ -47,17 +47,18 @@ TEST_F(FileListTest, AddingWithoutRoomsIsRefused)
     EXPECT_TRUE(files().empty());
 }
 
-TEST_F(FileListTest, DialogOffersScannerFilterAndStartsInThePreviousFolder)
+TEST_F(FileListTest, DialogOffersScannerFilterAndStartsInTheProjectThenInThePreviousFolder)
 {
     w.pbAdd_Click(); // cancelled
     ASSERT_EQ(ui.fileRequests.size(), 1u);
     EXPECT_EQ(ui.fileRequests[0].filter, "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat");
     EXPECT_EQ(ui.fileRequests[0].filterIndex, 2);
-    EXPECT_EQ(ui.fileRequests[0].startFolder, "");
-    addFile(datFile("a.dat", {scanLine("1", "A")}));
+    EXPECT_EQ(ui.fileRequests[0].startFolder, settings.gstProjektPfad);
+    std::filesystem::create_directory(dir.file("scans"));
+    addFile(datFile("scans/a.dat", {scanLine("1", "A")}));
     w.pbAdd_Click();
     ASSERT_EQ(ui.fileRequests.size(), 3u);
-    EXPECT_EQ(ui.fileRequests[2].startFolder, dir.path() + "/");
+    EXPECT_EQ(ui.fileRequests[2].startFolder, dir.path() + "/scans/");
 }
 
 TEST_F(FileListTest, CancellingTheDialogEndsQuietly)

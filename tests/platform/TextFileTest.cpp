@@ -1,0 +1,43 @@
+// Code page conversion and the UTF-8 check that decides how a profile file is read.
+
+#include "TextFile.h"
+
+#include <gtest/gtest.h>
+
+namespace qi {
+namespace {
+
+TEST(IsUtf8, AsciiAndGermanLettersAreWellFormed)
+{
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_TRUE(isUtf8("Raum 101"));
+    EXPECT_TRUE(isUtf8("Bürostuhl Größe"));
+    EXPECT_TRUE(isUtf8("\xF0\x9F\x93\xA6")); // a four-byte character
+}
+
+TEST(IsUtf8, Windows1252BytesAreNotUtf8)
+{
+    EXPECT_FALSE(isUtf8("B\xFCrostuhl")); // "ü" in Windows-1252
+    EXPECT_FALSE(isUtf8("\x80"));
+}
+
+TEST(IsUtf8, CutAndMalformedSequencesAreRefused)
+{
+    EXPECT_FALSE(isUtf8("\xC3"));         // lead byte at the end
+    EXPECT_FALSE(isUtf8("\xE2\x82"));     // three-byte form cut short
+    EXPECT_FALSE(isUtf8("\xC3\x41"));     // continuation byte missing
+    EXPECT_FALSE(isUtf8("\xC0\xAF"));     // overlong "/"
+    EXPECT_FALSE(isUtf8("\xF5\x80\x80\x80")); // beyond U+10FFFF
+}
+
+TEST(FromWindows1252, EveryByteBecomesWellFormedUtf8)
+{
+    std::string all;
+    for (int b = 1; b < 256; ++b)
+        all += char(b);
+    EXPECT_TRUE(isUtf8(fromWindows1252(all)));
+    EXPECT_EQ(fromWindows1252("B\xFCro \x80"), "Büro €");
+}
+
+} // namespace
+} // namespace qi
