@@ -292,7 +292,14 @@ void Database::checkComplete()
     sqlite3_file* file = nullptr;
     if (sqlite3_file_control(db_, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file || !file->pMethods)
         return;
-    const bool reading = sqlite3_exec(db_, "BEGIN; SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr) == SQLITE_OK;
+    const int rc = sqlite3_exec(db_, "BEGIN; SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr);
+    const bool reading = rc == SQLITE_OK;
+    if ((rc & 0xff) == SQLITE_BUSY || (rc & 0xff) == SQLITE_LOCKED) {
+        // Another program is writing the file right now: its size says nothing.
+        if (!sqlite3_get_autocommit(db_))
+            sqlite3_exec(db_, "COMMIT", nullptr, nullptr, nullptr);
+        return;
+    }
     unsigned char header[100] = {};
     sqlite3_int64 bytes = 0;
     const bool read = file->pMethods->xRead(file, header, sizeof header, 0) == SQLITE_OK &&
@@ -484,9 +491,9 @@ void Database::copyTo(const std::string& path)
             rc = sqlite3_errcode(target);
         } else {
             // All pages in one step: the source is read under one lock, so the copy is one state of it.
-            rc = sqlite3_backup_step(backup, -1);
-            sqlite3_backup_finish(backup);
-            rc = rc == SQLITE_DONE ? sqlite3_errcode(target) : rc;
+            const int step = sqlite3_backup_step(backup, -1);
+            const int finish = sqlite3_backup_finish(backup);
+            rc = step == SQLITE_DONE ? finish : step;
         }
     }
     sqlite3_close_v2(target);

@@ -1,7 +1,6 @@
 #include "LinkedDatabase.h"
 
 #include "DatabaseStructure.h"
-
 #include "FileSystem.h"
 
 #include <algorithm>
