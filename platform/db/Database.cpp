@@ -366,7 +366,8 @@ DbError Database::errorFor(int rc, std::string_view sql) const
             return DbError(dberr::ReadOnly, "Die Datei '" + displayPath(path_) +
                                                 "' wurde bei einer Änderung unterbrochen und kann nur von einem "
                                                 "Programm, das sie ändern darf, wiederhergestellt werden.");
-        return DbError(dberr::ReadOnly, "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
+        return DbError(dberr::ReadOnly, "Aktualisieren nicht möglich. Die Datei '" + displayPath(path_) +
+                                            "' ist schreibgeschützt.");
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
         return DbError(dberr::Locked, "Die Datei '" + displayPath(path_) + "' ist bereits in Verwendung.");

@@ -188,6 +188,7 @@ TEST_F(DatabaseTest, ReadOnlyRefusesChanges)
         FAIL();
     } catch (const DbError& e) {
         EXPECT_EQ(e.number(), dberr::ReadOnly);
+        EXPECT_EQ(e.description(), "Aktualisieren nicht möglich. Die Datei '" + displayPath(path) + "' ist schreibgeschützt.");
     }
 }
 

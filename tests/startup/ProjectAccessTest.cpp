@@ -351,6 +351,56 @@ TEST_F(ProjectAccessTest, AnOrderFileThatCantBeWrittenIsOpenedReadOnlyAndSaysSoO
     });
 }
 
+TEST_F(ProjectAccessTest, AReportDatabaseThatCantBeWrittenIsNamedWhenTheOrderIsLinked)
+{
+    makeOrder();
+    test::inOwnMounts([&] {
+        const std::string reportDb = program + "/QInventurRpt.mdb";
+        test::mountReadOnly(reportDb);
+        const std::string before = test::readFile(reportDb);
+        Settings s;
+        ScriptedUserInteraction u;
+        StartupResult r = run(s, u);
+        ASSERT_TRUE(r.completed);
+        CAuftragDb db(u);
+        openOrder(s, db, u);
+        EXPECT_FALSE(CheckReportMdbLink(s, db.DbPath(), u));
+        ASSERT_EQ(u.messages.size(), 1u);
+        EXPECT_EQ(u.messages[0].text, "COVRpt.CheckReportMdbLink\r\nAktualisieren nicht möglich. Die Datei '" +
+                                          displayPath(s.gstAppPfad + "\\QInventurRpt.mdb") + "' ist schreibgeschützt.");
+        EXPECT_EQ(u.messages[0].icon, MsgIcon::Critical);
+        db.CloseDb();
+        EXPECT_EQ(test::readFile(reportDb), before);
+    });
+}
+
+TEST_F(ProjectAccessTest, QuarnFilesThatCantBeWrittenAreReadAsEver)
+{
+    makeOrder();
+    test::inOwnMounts([&] {
+        for (const char* file : {"QGebaeude.mdb", "QOvInventar.mdb", "QStammdaten.mdb"})
+            test::mountReadOnly(project + "/" + file);
+        const test::FileDigests before = test::digestFiles(project);
+        Settings s;
+        ScriptedUserInteraction u;
+        StartupResult r = run(s, u);
+        ASSERT_TRUE(r.completed);
+        {
+            CAuftragDb db(u);
+            openOrder(s, db, u);
+            EXPECT_TRUE(CheckReportMdbLink(s, db.DbPath(), u));
+            frmWork w(db, s, u);
+            w.f_QGebDb = r.gebDb.get();
+            EXPECT_TRUE(w.ReportDifferenzListe());
+            EXPECT_TRUE(u.messages.empty()) << u.messages[0].text;
+            EXPECT_GT(toLong(db.database()->scalar("SELECT count(*) FROM T_Differenzliste")), 0);
+        }
+        const test::FileDigests after = test::digestFiles(project);
+        for (const char* file : {"QGebaeude.mdb", "QOvInventar.mdb", "QStammdaten.mdb"})
+            EXPECT_EQ(after.at(file), before.at(file)) << file;
+    });
+}
+
 TEST_F(ProjectAccessTest, AProgramWithoutStartupTakesTheProjectWithTheSameFunction)
 {
     // A program given its project folder directly (the command line) asks as start-up does.

@@ -181,9 +181,12 @@ TEST_F(WindowsTest, WorkWindowButtonsAnswerToTheirMnemonics)
     // "&Auswertung aktualisieren" and "&Auswahl" share their letter: Alt+A moves between them.
     altKey(w, Qt::Key_A);
     EXPECT_TRUE(w.pbNeu->hasFocus() || w.pbRooms->hasFocus());
+    QPointer<frmWorkWindow> closing(&w);
     altKey(w, Qt::Key_O);
-    EXPECT_TRUE(w.f_bReload);
-    EXPECT_FALSE(w.isVisible());
+    // The unloaded window goes as soon as the main window repaints, which may happen while the key is handled.
+    EXPECT_TRUE(!closing || closing->f_bReload);
+    EXPECT_TRUE(!closing || !closing->isVisible());
+    EXPECT_TRUE(main->isActiveState());
 }
 
 TEST_F(WindowsTest, WorkWindowRemembersItsSizeAndColumns)
