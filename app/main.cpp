@@ -3,6 +3,7 @@
 #include "FileSystem.h"
 #include "ProgramWindows.h"
 #include "QtUserInteraction.h"
+#include "ReportViewer.h"
 #include "frmFehler.h"
 #include "frmMain.h"
 
@@ -28,6 +29,7 @@ int main(int argc, char** argv)
 
     qi::QtUserInteraction ui;
     qi::installFrmFehler(ui);
+    qi::installReportPreview(ui);
     qi::frmMain window(ui, qi::programFolder());
     qi::connectWindows(window);
     ui.setParent(&window);

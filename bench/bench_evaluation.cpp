@@ -1,23 +1,13 @@
-// The whole reconciliation of a large order: a Quarn installation of 1,200 rooms and
-// about 130,000 INVENTAR objects, an order of 1,000 of its rooms (a few marked "L",
-// a few left "N"), and 10 scanner files of about 10,000 lines each (most objects found
-// in place, some moved inside the order, objects from outside, unknown numbers, double
-// scans in one room and across rooms, lines without number). It times the import of
+// The whole reconciliation of the large order (LargeOrder.h): it times the import of
 // the files through "Hinzufügen", the evaluation run, the article tally and the
 // inventory list, and a sqlite3-shell floor that loads the same lines and classifies
 // them set-based into the same six categories; both print their count per category.
 
-#include "CAuftragDb.h"
-#include "DemoInstallation.h"
-#include "FileSystem.h"
-#include "OrderSchema.h"
-#include "ReportLinks.h"
+#include "LargeOrder.h"
 #include "ScriptedUserInteraction.h"
-#include "Settings.h"
 #include "frmWork.h"
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -30,95 +20,10 @@
 #include <vector>
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
+using qi::bench::Clock;
+using qi::bench::seconds;
 
 namespace {
-
-constexpr int kFiles = 10;
-
-/// QI_BENCH_SCALE=n makes everything n times smaller (for profiling under valgrind).
-int scale()
-{
-    static const int s = [] {
-        const char* v = std::getenv("QI_BENCH_SCALE");
-        return v && std::atoi(v) > 1 ? std::atoi(v) : 1;
-    }();
-    return s;
-}
-const int kOrderRooms = 1000 / scale();
-const int kScannedRooms = kOrderRooms - 20; // then 10 rooms "L" and 10 rooms "N" without scans
-
-double seconds(Clock::time_point a, Clock::time_point b) { return std::chrono::duration<double>(b - a).count(); }
-
-long peakKilobytes()
-{
-    rusage u{};
-    getrusage(RUSAGE_SELF, &u);
-    return u.ru_maxrss;
-}
-
-/// A number from 0 to 99 for the k-th object, always the same.
-int percent(std::uint32_t k)
-{
-    k = k * 2654435761u;
-    return int((k >> 16) % 100);
-}
-
-std::string line(const std::string& date, int i, const std::string& room, const std::string& inv,
-                 const std::string& art)
-{
-    char time[16];
-    std::snprintf(time, sizeof time, "%02d:%02d:%02d", 7 + i / 3600 % 10, i / 60 % 60, i % 60);
-    return "17,4711," + date + "," + time + ",0" + room + "," + inv + "," + art + ",I\r\n";
-}
-
-/// Writes the scanner files "Scan1.dat" ... for the first kScannedRooms rooms of the order.
-void makeFiles(const qi::demo::Installation& inst, const fs::path& folder, std::size_t& lines)
-{
-    // Objects of rooms outside the order, scanned in rooms of the order.
-    std::vector<std::string> outside;
-    for (std::size_t r = kOrderRooms; r < inst.rooms.size(); ++r)
-        for (const qi::demo::Object* o : inst.objectsOfRoom(0, inst.rooms[r].id))
-            outside.push_back(o->name);
-    std::size_t nextOutside = 0;
-
-    const int roomsPerFile = kScannedRooms / kFiles;
-    for (int f = 0; f < kFiles; ++f) {
-        const fs::path p = folder / ("Scan" + std::to_string(f + 1) + ".dat");
-        std::ofstream out(p, std::ios::binary);
-        const std::string date = std::to_string(10 + f) + ".03.2025";
-        int i = 0;
-        std::string previousRoomObject;
-        for (int k = 0; k < roomsPerFile; ++k) {
-            const std::size_t r = std::size_t(f * roomsPerFile + k);
-            const std::string& nr = inst.rooms[r].nr;
-            // The room after this one in the same file takes the objects moved out of it.
-            const std::string& next = inst.rooms[std::size_t(f * roomsPerFile + (k + 1) % roomsPerFile)].nr;
-            std::string first;
-            for (const qi::demo::Object* o : inst.objectsOfRoom(0, inst.rooms[r].id)) {
-                const int pc = percent(std::uint32_t(o->id));
-                if (pc < 85) {
-                    out << line(date, i++, nr, o->name, "SCAN");
-                    if (first.empty())
-                        first = o->name;
-                } else if (pc < 90) {
-                    out << line(date, i++, next, o->name, "SCAN");
-                } // else: missing
-            }
-            for (int x = 0; x < 2 && nextOutside < outside.size(); ++x)
-                out << line(date, i++, nr, outside[nextOutside++], "FREMD");
-            out << line(date, i++, nr, "UNB-" + std::to_string(f) + "-" + std::to_string(k), "ART-X");
-            if (!first.empty())
-                out << line(date, i++, nr, first, "SCAN"); // twice in one room
-            if (k % 10 == 0)
-                out << line(date, i++, nr, "", "SCAN"); // without number
-            if (k % 5 == 1 && !previousRoomObject.empty())
-                out << line(date, i++, nr, previousRoomObject, "SCAN"); // in two rooms
-            previousRoomObject = first;
-        }
-        lines += std::size_t(i);
-    }
-}
 
 /// The floor's own copy of Quarn's objects.
 void writeFloorObjects(const qi::demo::Installation& inst, const fs::path& folder)
@@ -136,30 +41,6 @@ void writeFloorRooms(qi::CAuftragDb& order, const fs::path& folder)
     for (const auto& r : rs.rows())
         rooms << qi::toLong(r[0]) << "," << qi::toLong(r[1]) << "," << qi::toText(r[2]) << "," << qi::toText(r[3])
               << "\n";
-}
-
-/// Makes the installation, Quarn's databases, the scanner files and the floor's copy of
-/// the objects, and notes the rooms (id and number, in order) and the line count.
-void prepare(const fs::path& folder, const fs::path& project)
-{
-    qi::demo::Sizes sizes;
-    sizes.sites = 2;
-    sizes.buildingsPerSite = 3;
-    sizes.floorsPerBuilding = 4;
-    sizes.roomsPerFloor = 50 / scale();
-    sizes.inventarArticles = 200;
-    sizes.inventarObjects = 130000 / scale();
-    sizes.technikObjects = 100;
-    sizes.brandschutzObjects = 100;
-    const qi::demo::Installation inst = qi::demo::buildInstallation(sizes);
-    qi::demo::writeHostDatabases(inst, project.string());
-    std::size_t lines = 0;
-    makeFiles(inst, folder, lines);
-    writeFloorObjects(inst, folder);
-    std::ofstream rooms(folder / "installation.txt");
-    rooms << inst.modules[0].objects.size() << " " << lines << "\n";
-    for (const qi::demo::Room& r : inst.rooms)
-        rooms << r.id << " " << r.nr << "\n";
 }
 
 /// Processor seconds (user and system) of this process and of its finished children.
@@ -268,59 +149,20 @@ int main()
     fs::create_directories(project / "Inventur");
     fs::create_directories(program);
 
-    // The installation is made by a child process, so that its memory is not counted.
-    const pid_t child = fork();
-    if (child == 0) {
-        prepare(folder, project);
-        std::_Exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    std::ifstream noted(folder / "installation.txt");
-    std::size_t objects = 0, lines = 0;
-    noted >> objects >> lines;
-    std::vector<std::pair<std::int32_t, std::string>> rooms;
-    for (std::int32_t id; noted >> id;) {
-        std::string nr;
-        noted >> nr;
-        rooms.emplace_back(id, nr);
-    }
-    if (rooms.size() < std::size_t(kOrderRooms)) {
+    const qi::bench::Installation installation = qi::bench::makeInstallation(
+        folder, project, [&](const qi::demo::Installation& inst) { writeFloorObjects(inst, folder); });
+    if (installation.rooms.empty()) {
         std::printf("the installation could not be made\n");
         return 1;
     }
-    std::vector<std::string> files;
-    for (int f = 0; f < kFiles; ++f)
-        files.push_back((folder / ("Scan" + std::to_string(f + 1) + ".dat")).string());
+    const std::vector<std::string>& files = installation.files;
+    const std::vector<std::pair<std::int32_t, std::string>>& rooms = installation.rooms;
+    const std::size_t objects = installation.objects, lines = installation.lines;
 
-    qi::Settings settings;
-    settings.gstProjektPfad = project.string() + "/";
-    settings.gstProjekttyp = "ptJet";
-    settings.gstAppPfad = program.string();
-
-    const std::string orderPath = (project / "Inventur" / "A1.mdb").string();
-    {
-        auto db = qi::Database::create(orderPath);
-        qi::createOrderSchema(*db);
-    }
-    qi::createReportDatabase((program / "QInventurRpt.mdb").string());
     TimedUser ui;
-    if (!qi::CheckReportMdbLink(settings, orderPath, ui))
-        return 1;
-    qi::CAuftragDb order(ui);
-    order.setDbPath(orderPath);
-    if (!order.OpenDb()) {
-        std::printf("order database: %s\n", order.LastError().c_str());
-        return 1;
-    }
-    for (int r = 0; r < kOrderRooms; ++r) {
-        qi::CRaumRec room;
-        room.lIdRB = rooms[std::size_t(r)].first;
-        room.stRaumNr = rooms[std::size_t(r)].second;
-        room.ststatus = r >= kScannedRooms && r < kScannedRooms + 10 ? "L" : "N";
-        room.stAuftrag = "A1";
-        order.AddNewRaumRec(&room);
-    }
+    qi::bench::LargeOrder large(project, program, installation, ui);
+    qi::CAuftragDb& order = *large.order;
+    const qi::Settings& settings = large.settings;
 
     qi::frmWork work(order, settings, ui);
     const double c0 = cpuSeconds(RUSAGE_SELF);
@@ -339,7 +181,7 @@ int main()
     const auto t3 = Clock::now();
     const bool listed = work.MakeInvListe();
     const auto t4 = Clock::now();
-    const long peak = peakKilobytes();
+    const long peak = qi::bench::peakKilobytes();
 
     std::map<std::string, long> ours;
     const qi::Recordset types =
@@ -357,7 +199,7 @@ int main()
 
     const double import = seconds(t0, t1), evaluation = seconds(t1, t2);
     std::printf("installation: %zu rooms, %zu INVENTAR objects; order: %d rooms; %zu lines in %d files\n",
-                rooms.size(), objects, kOrderRooms, lines, kFiles);
+                rooms.size(), objects, qi::bench::orderRooms(), lines, qi::bench::kFiles);
     std::printf("import:                 %7.3f s (%ld scan rows, %zu conflicts asked, %zu messages)\n", import, scans,
                 ui.conflicts.size(), ui.messages.size());
     std::printf("evaluation:             %7.3f s (%ld difference rows)%s\n", evaluation, diffRows,

@@ -15,7 +15,7 @@ seconds=${1:-600}
 shift || true
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-  targets=(fuzz_scanner_import fuzz_profile_file fuzz_text_file fuzz_fields)
+  targets=(fuzz_scanner_import fuzz_profile_file fuzz_text_file fuzz_fields fuzz_report_definition)
 fi
 jobs=${FUZZ_JOBS:-1}
 

@@ -7,7 +7,8 @@ packages=(
   libsqlite3-dev sqlite3
   mdbtools mdbtools-dev unixodbc unixodbc-dev odbc-postgresql postgresql postgresql-client
   libgtest-dev libgmock-dev googletest
-  xvfb xauth poppler-utils fonts-dejavu-core
+  libicu-dev libxlsxwriter-dev
+  xvfb xauth poppler-utils unzip fonts-dejavu-core fonts-liberation2
   qt6-translations-l10n xdotool x11-apps
   # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)
   clang libclang-rt-14-dev

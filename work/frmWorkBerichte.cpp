@@ -56,6 +56,7 @@ void frmWork::mnuReportFkt_Click(int index)
                            std::string(entry->title));
         ui_.setBusy(false);
     } catch (const std::exception& e) {
+        ui_.setBusy(false);
         ui_.showError("frmWork.mnuReportFkt_Click", e.what());
     }
 }
@@ -86,6 +87,7 @@ void frmWork::mnuFehlerFkt_Click(int index)
             ui_.showReport(settings_.gstProjektPfad + std::string(entry->reportFile), reportDatabasePath(settings_),
                            std::string(entry->title));
     } catch (const std::exception& e) {
+        ui_.setBusy(false);
         ui_.showError("frmWork.mnuFehlerFkt_Click", e.what());
     }
 }

@@ -2,6 +2,11 @@
 
 #include <QChar>
 #include <sqlite3.h>
+#include <unicode/ucol.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
 
 namespace qi {
 
@@ -45,18 +50,10 @@ char32_t fold(char32_t c)
     return QChar::toCaseFolded(c);
 }
 
-int collate(void*, int lenA, const void* a, int lenB, const void* b)
+/// The equality of the comparison and the last word of its order: case-folded
+/// code points of the texts without their trailing blanks.
+int codePointCompare(std::string_view a, std::string_view b)
 {
-    return jetCompare(std::string_view(static_cast<const char*>(a), std::size_t(lenA)),
-                      std::string_view(static_cast<const char*>(b), std::size_t(lenB)));
-}
-
-} // namespace
-
-int jetCompare(std::string_view a, std::string_view b)
-{
-    a = trimTrailingBlanks(a);
-    b = trimTrailingBlanks(b);
     std::size_t i = 0, j = 0;
     // Plain ASCII needs no decoding: fold the letters and compare byte by byte.
     while (i < a.size() && j < b.size()) {
@@ -79,6 +76,152 @@ int jetCompare(std::string_view a, std::string_view b)
     if (i < a.size()) return 1;
     if (j < b.size()) return -1;
     return 0;
+}
+
+/// The German collator at the second strength: base letters, then accents; letter
+/// case is left to the code-point comparison, which sees folded texts anyway.
+/// Null when the collation data can't be had (then only code points decide).
+struct German {
+    UCollator* collator = nullptr;
+    /// Rank of each printable ASCII character (0x20..0x7E, folded) in the collator's order.
+    std::array<unsigned char, 128> rank{};
+
+    German()
+    {
+        UErrorCode status = U_ZERO_ERROR;
+        collator = ucol_open("de", &status);
+        if (U_FAILURE(status) || !collator) {
+            collator = nullptr;
+            return;
+        }
+        ucol_setStrength(collator, UCOL_SECONDARY);
+        // Printable ASCII has neither contractions nor ignorable characters here, so
+        // comparing these ranks one by one orders plain texts as the collator does.
+        std::vector<UChar> chars;
+        for (char32_t c = 0x20; c < 0x7F; ++c)
+            if (fold(c) == c)
+                chars.push_back(UChar(c));
+        std::stable_sort(chars.begin(), chars.end(), [&](UChar x, UChar y) {
+            return ucol_strcoll(collator, &x, 1, &y, 1) == UCOL_LESS;
+        });
+        unsigned char r = 0;
+        for (std::size_t k = 0; k < chars.size(); ++k) {
+            if (k > 0 && ucol_strcoll(collator, &chars[k - 1], 1, &chars[k], 1) != UCOL_EQUAL)
+                ++r;
+            rank[chars[k]] = r;
+        }
+        for (char32_t c = 'A'; c <= 'Z'; ++c)
+            rank[c] = rank[fold(c)];
+    }
+};
+
+const German& german()
+{
+    static const German g;
+    return g;
+}
+
+/// Folded UTF-16 of a text, in a buffer that lives on the stack for short texts.
+class FoldedUtf16 {
+public:
+    explicit FoldedUtf16(std::string_view s)
+    {
+        for (std::size_t i = 0; i < s.size();) {
+            const char32_t c = fold(decode(s, i));
+            if (c >= 0x10000) {
+                push(UChar(0xD800 + ((c - 0x10000) >> 10)));
+                push(UChar(0xDC00 + ((c - 0x10000) & 0x3FF)));
+            } else {
+                push(UChar(c));
+            }
+        }
+    }
+    const UChar* data() const { return heap_.empty() ? local_.data() : heap_.data(); }
+    int32_t size() const { return int32_t(size_); }
+
+private:
+    void push(UChar u)
+    {
+        if (size_ < local_.size() && heap_.empty()) {
+            local_[size_++] = u;
+            return;
+        }
+        if (heap_.empty())
+            heap_.assign(local_.begin(), local_.begin() + std::ptrdiff_t(size_));
+        heap_.push_back(u);
+        ++size_;
+    }
+    std::array<UChar, 128> local_;
+    std::vector<UChar> heap_;
+    std::size_t size_ = 0;
+};
+
+bool printableAscii(unsigned char c) { return c >= 0x20 && c < 0x7F; }
+
+int collate(void*, int lenA, const void* a, int lenB, const void* b)
+{
+    return jetCompare(std::string_view(static_cast<const char*>(a), std::size_t(lenA)),
+                      std::string_view(static_cast<const char*>(b), std::size_t(lenB)));
+}
+
+} // namespace
+
+namespace detail {
+
+int jetCompareUnicode(std::string_view a, std::string_view b)
+{
+    a = trimTrailingBlanks(a);
+    b = trimTrailingBlanks(b);
+    const int byCodePoint = codePointCompare(a, b);
+    const German& g = german();
+    if (byCodePoint == 0 || !g.collator)
+        return byCodePoint;
+    const FoldedUtf16 fa(a), fb(b);
+    switch (ucol_strcoll(g.collator, fa.data(), fa.size(), fb.data(), fb.size())) {
+    case UCOL_LESS:
+        return -1;
+    case UCOL_GREATER:
+        return 1;
+    default:
+        return byCodePoint;
+    }
+}
+
+} // namespace detail
+
+int jetCompare(std::string_view a, std::string_view b)
+{
+    a = trimTrailingBlanks(a);
+    b = trimTrailingBlanks(b);
+    const German& g = german();
+    if (!g.collator)
+        return codePointCompare(a, b);
+    // Texts of printable ASCII only: their ranks decide, character by character.
+    const std::size_t n = std::min(a.size(), b.size());
+    int result = 0;
+    std::size_t i = 0;
+    for (; i < n; ++i) {
+        const auto ca = static_cast<unsigned char>(a[i]);
+        const auto cb = static_cast<unsigned char>(b[i]);
+        if (!printableAscii(ca) || !printableAscii(cb))
+            return detail::jetCompareUnicode(a, b);
+        if (result == 0 && g.rank[ca] != g.rank[cb])
+            result = g.rank[ca] < g.rank[cb] ? -1 : 1;
+    }
+    const std::string_view rest = a.size() > n ? a.substr(n) : b.substr(n);
+    for (const char c : rest)
+        if (!printableAscii(static_cast<unsigned char>(c)))
+            return detail::jetCompareUnicode(a, b);
+    if (result != 0)
+        return result;
+    if (a.size() != b.size())
+        return a.size() < b.size() ? -1 : 1;
+    return codePointCompare(a, b);
+}
+
+bool jetEqual(std::string_view a, std::string_view b)
+{
+    return codePointCompare(trimTrailingBlanks(a), trimTrailingBlanks(b)) == 0;
 }
 
 int registerJetCollation(sqlite3* db)

@@ -129,6 +129,39 @@ std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& 
     return dialog.selectedFiles().first().toStdString();
 }
 
+std::optional<std::string> QtUserInteraction::saveFile(const FileDialogRequest& request)
+{
+    const ProgressAside aside(progress_);
+    QFileDialog dialog(dialogParent(), QString::fromStdString(request.title),
+                       QString::fromStdString(nativePath(request.startFolder)));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.resize(820, 520);
+    const QStringList filters = qtNameFilters(request.filter);
+    dialog.setNameFilters(filters);
+    const int selected = request.filterIndex >= 1 && request.filterIndex <= filters.size() ? request.filterIndex : 1;
+    if (!filters.isEmpty())
+        dialog.selectNameFilter(filters[selected - 1]);
+    // The extension of the selected filter ("*.pdf" gives "pdf") completes a name typed without one.
+    const QStringList parts = QString::fromStdString(request.filter).split(QLatin1Char('|'));
+    if (2 * selected - 1 < parts.size()) {
+        const QString pattern = parts[2 * selected - 1].section(QLatin1Char(';'), 0, 0);
+        if (pattern.startsWith(QStringLiteral("*.")) && pattern != QStringLiteral("*.*"))
+            dialog.setDefaultSuffix(pattern.mid(2));
+    }
+    if (!request.fileName.empty())
+        dialog.selectFile(QString::fromStdString(request.fileName));
+    const bool wasBusy = busyDepth_ > 0;
+    if (wasBusy)
+        QApplication::setOverrideCursor(Qt::ArrowCursor);
+    const bool accepted = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+    if (wasBusy)
+        QApplication::restoreOverrideCursor();
+    if (!accepted)
+        return std::nullopt;
+    return dialog.selectedFiles().first().toStdString();
+}
+
 void QtUserInteraction::setBusy(bool busy)
 {
     if (busy) {

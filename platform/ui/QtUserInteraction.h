@@ -28,6 +28,7 @@ public:
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
+    std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override;
     /// Opens (or raises) the help window with the help file's contents page.

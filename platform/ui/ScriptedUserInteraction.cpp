@@ -24,6 +24,16 @@ std::optional<std::string> ScriptedUserInteraction::openFile(const FileDialogReq
     return r;
 }
 
+std::optional<std::string> ScriptedUserInteraction::saveFile(const FileDialogRequest& request)
+{
+    saveRequests.push_back(request);
+    if (saveChoices.empty())
+        return std::nullopt;
+    auto r = saveChoices.front();
+    saveChoices.pop_front();
+    return r;
+}
+
 bool ScriptedUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     conflicts.push_back(info);

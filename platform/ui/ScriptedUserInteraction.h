@@ -34,6 +34,7 @@ public:
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
+    std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override { ++eventsProcessed; }
     void showHelp(const std::string& helpFile) override { helpFiles.push_back(helpFile); }
@@ -57,12 +58,15 @@ public:
     // Script
     std::deque<MsgResult> answers;
     std::deque<std::optional<std::string>> fileChoices;
+    /// Answers of the save dialog; without one it is cancelled.
+    std::deque<std::optional<std::string>> saveChoices;
     /// Answers of the conflict dialog (bVerwerfen); without one the first scan is kept.
     std::deque<bool> conflictAnswers;
 
     // Record
     std::vector<RecordedMessage> messages;
     std::vector<FileDialogRequest> fileRequests;
+    std::vector<FileDialogRequest> saveRequests;
     std::vector<bool> busyChanges;
     bool busy = false;
     int eventsProcessed = 0;

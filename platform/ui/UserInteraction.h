@@ -25,6 +25,8 @@ struct FileDialogRequest {
     std::string filter;
     /// 1-based entry of the filter that is preselected.
     int filterIndex = 1;
+    /// The save dialog's suggested file name (in `startFolder`).
+    std::string fileName;
 };
 
 /// What the conflict dialog shows when one inventory number was scanned in two rooms.
@@ -49,6 +51,10 @@ public:
                                  const std::string& title) = 0;
     /// The common file-open dialog: the chosen full path, or nothing when cancelled.
     virtual std::optional<std::string> openFile(const FileDialogRequest& request) = 0;
+    /// The common file-save dialog: the chosen full path, or nothing when cancelled. A name
+    /// without extension gets the selected filter's; an existing file is replaced only after
+    /// the dialog asked.
+    virtual std::optional<std::string> saveFile(const FileDialogRequest& request) = 0;
     /// Hourglass on (true) or back to the normal pointer (false).
     virtual void setBusy(bool busy) = 0;
     /// Lets pending window events run.

@@ -1,0 +1,140 @@
+#include "Report.h"
+
+#include "Database.h"
+#include "DbError.h"
+#include "FileSystem.h"
+#include "LinkedDatabase.h"
+#include "ReportError.h"
+#include "ReportFiles.h"
+#include "ReportOutputFile.h"
+
+#include <QDateTime>
+#include <QGuiApplication>
+
+namespace qi {
+
+namespace {
+
+/// Laying out pages measures type, which needs a GUI application: a program without
+/// any application gets an offscreen one that lives as long as the program.
+void ensureGuiApplication()
+{
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        return;
+    if (QCoreApplication::instance())
+        throw ReportError("Berichtsseiten können nur in einem Programm mit grafischer Oberfläche gesetzt werden.");
+    static int argc = 3;
+    static char name[] = "QInventur", option[] = "-platform", platform[] = "offscreen";
+    static char* argv[] = {name, option, platform, nullptr};
+    new QGuiApplication(argc, argv);
+}
+
+std::string nowText()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy, hh:mm 'Uhr'")).toStdString();
+}
+
+} // namespace
+
+std::unique_ptr<Report> Report::open(const std::string& reportFile, const std::string& dataFile,
+                                     const std::string& windowTitle, const ReportOptions& options)
+{
+    std::unique_ptr<Report> report(new Report);
+    report->windowTitle_ = windowTitle;
+    report->file_ = locateReportFile(reportFile, dataFile);
+    ReportDefinition def = parseReportDefinition(readReportFile(report->file_), report->file_);
+
+    if (!fileExists(dataFile))
+        throw ReportError("Die Berichtsdatenbank '" + displayPath(dataFile) + "' wurde nicht gefunden.");
+    std::unique_ptr<Database> statements;
+    try {
+        statements = LinkedDatabase::open(dataFile)->openForStatements();
+        // A report only reads.
+        statements->executeScript("PRAGMA query_only = ON");
+    } catch (const DbError& e) {
+        throw ReportError("Die Berichtsdatenbank '" + displayPath(dataFile) + "' kann nicht geöffnet werden: " +
+                          e.description());
+    }
+    ReportContext context{options.orderName, displayPath(options.projectFolder),
+                          options.printDate.empty() ? nowText() : options.printDate, fileNamePart(report->file_)};
+    if (context.orderName.empty() || context.projectFolder.empty()) {
+        const OrderInfo order = orderOfReportDatabase(dataFile, *statements);
+        if (context.orderName.empty())
+            context.orderName = order.orderName;
+        if (context.projectFolder.empty())
+            context.projectFolder = order.projectFolder;
+    }
+    ReportTable table = readReportRows(def, *statements);
+    report->model_ = std::make_unique<ReportModel>(std::move(def), std::move(table), std::move(context));
+    return report;
+}
+
+const ReportLayout& Report::layout() const
+{
+    if (!layout_) {
+        ensureGuiApplication();
+        layout_ = std::make_unique<ReportLayout>(*model_);
+    }
+    return *layout_;
+}
+
+void Report::write(ReportFormat format, const std::string& path) const
+{
+    switch (format) {
+    case ReportFormat::Pdf:
+        writePdf(path);
+        break;
+    case ReportFormat::Xlsx:
+        writeXlsx(path);
+        break;
+    case ReportFormat::Csv:
+        writeCsv(path);
+        break;
+    case ReportFormat::Text: {
+        ReportOutputFile file(path);
+        file.write(text());
+        file.close();
+        break;
+    }
+    }
+}
+
+std::string writeReportFile(const std::string& reportFile, const std::string& dataFile, const std::string& title,
+                            const std::string& orderName, const std::string& projectFolder, ReportFormat format,
+                            const std::string& outputPath)
+{
+    try {
+        ReportOptions options;
+        options.orderName = orderName;
+        options.projectFolder = projectFolder;
+        Report::open(reportFile, dataFile, title, options)->write(format, outputPath);
+        return {};
+    } catch (const std::exception& e) {
+        return e.what();
+    }
+}
+
+const char* reportFormatExtension(ReportFormat format)
+{
+    switch (format) {
+    case ReportFormat::Pdf:
+        return "pdf";
+    case ReportFormat::Xlsx:
+        return "xlsx";
+    case ReportFormat::Csv:
+        return "csv";
+    case ReportFormat::Text:
+        return "txt";
+    }
+    return "";
+}
+
+std::optional<ReportFormat> reportFormatNamed(std::string_view name)
+{
+    for (ReportFormat f : {ReportFormat::Pdf, ReportFormat::Xlsx, ReportFormat::Csv, ReportFormat::Text})
+        if (sameName(name, reportFormatExtension(f)))
+            return f;
+    return std::nullopt;
+}
+
+} // namespace qi

@@ -1,0 +1,84 @@
+#include "ReportTable.h"
+
+#include "JetCollation.h"
+#include "ReportError.h"
+
+#include <QString>
+
+#include <charconv>
+#include <limits>
+
+namespace qi {
+
+bool parseNumber(std::string_view text, double& value)
+{
+    while (!text.empty() && text.front() == ' ')
+        text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
+    if (text.empty())
+        return false;
+    const auto [p, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return ec == std::errc() && p == text.data() + text.size();
+}
+
+ReportTable::ReportTable(std::vector<std::string> fields) : fields_(std::move(fields)) {}
+
+int ReportTable::fieldIndex(std::string_view name) const
+{
+    const QString wanted = QString::fromUtf8(name.data(), qsizetype(name.size()));
+    for (std::size_t i = 0; i < fields_.size(); ++i)
+        if (QString::fromStdString(fields_[i]).compare(wanted, Qt::CaseInsensitive) == 0)
+            return int(i);
+    return -1;
+}
+
+double ReportTable::number(std::size_t row, std::size_t field) const
+{
+    if (kind(row, field) == Kind::Null)
+        return 0;
+    double v = 0;
+    return parseNumber(text(row, field), v) ? v : 0;
+}
+
+bool ReportTable::isNumeric(std::size_t row, std::size_t field) const
+{
+    switch (kind(row, field)) {
+    case Kind::Integer:
+    case Kind::Real:
+        return true;
+    case Kind::Text: {
+        double v = 0;
+        return parseNumber(text(row, field), v);
+    }
+    default:
+        return false;
+    }
+}
+
+bool ReportTable::sameValue(std::size_t rowA, std::size_t rowB, std::size_t field) const
+{
+    const Kind a = kind(rowA, field), b = kind(rowB, field);
+    if (a == Kind::Null || b == Kind::Null)
+        return a == b;
+    if (a == Kind::Text || b == Kind::Text)
+        return a == b && jetEqual(text(rowA, field), text(rowB, field));
+    return number(rowA, field) == number(rowB, field);
+}
+
+void ReportTable::append(Kind kind, std::string_view text)
+{
+    constexpr std::size_t kMaxCell = (1u << 30) - 1;
+    if (text.size() > kMaxCell)
+        text = text.substr(0, kMaxCell);
+    if (arena_.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
+        throw ReportError("Der Bericht ist zu groß: seine Werte fassen mehr als 4 GB.");
+    Cell c;
+    c.offset = std::uint32_t(arena_.size());
+    c.size = std::uint32_t(text.size());
+    c.kind = std::uint32_t(kind);
+    arena_.append(text);
+    cells_.push_back(c);
+}
+
+} // namespace qi

@@ -1,0 +1,39 @@
+#pragma once
+// One page of a laid-out report on screen, at a zoom, on a grey desk.
+
+#include "ReportLayout.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace qi {
+
+class ReportPageView : public QWidget {
+    Q_OBJECT
+public:
+    /// Room around the page, in pixels.
+    static constexpr int kMargin = 16;
+
+    explicit ReportPageView(const ReportLayout& layout, QWidget* parent = nullptr);
+    ~ReportPageView() override;
+
+    /// Shows page `page` (0-based) at `zoom` (1.0 = printed size); the view takes the page's size.
+    void showPage(int page, double zoom);
+    int page() const { return page_; }
+    double zoom() const { return zoom_; }
+    /// The page's size in pixels at the zoom shown.
+    QSize pageSize() const;
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const ReportLayout& layout_;
+    std::unique_ptr<PagePainter> painter_;
+    int page_ = 0;
+    double zoom_ = 1.0;
+};
+
+} // namespace qi

@@ -1,0 +1,54 @@
+#include "ReportPrinting.h"
+
+#include "Report.h"
+#include "ReportError.h"
+
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPrinter>
+
+#include <algorithm>
+
+namespace qi {
+
+void preparePrinter(const Report& report, QPrinter& printer)
+{
+    printer.setFullPage(true);
+    printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+                                      report.model().definition().landscape ? QPageLayout::Landscape
+                                                                            : QPageLayout::Portrait,
+                                      QMarginsF(0, 0, 0, 0)));
+    printer.setFromTo(1, report.pageCount());
+    printer.setDocName(QString::fromStdString(report.windowTitle().empty() ? report.model().definition().title
+                                                                           : report.windowTitle()));
+}
+
+void printReport(const Report& report, QPrinter& printer)
+{
+    const ReportLayout& layout = report.layout();
+    int from = printer.fromPage(), to = printer.toPage();
+    if (printer.printRange() == QPrinter::AllPages || from <= 0) {
+        from = 1;
+        to = layout.pageCount();
+    }
+    from = std::clamp(from, 1, layout.pageCount());
+    to = std::clamp(to, from, layout.pageCount());
+
+    QPainter painter;
+    if (!painter.begin(&printer))
+        throw ReportError(printer.printerName().isEmpty()
+                              ? std::string("Der Bericht kann nicht gedruckt werden.")
+                              : "Der Bericht kann auf dem Drucker '" + printer.printerName().toStdString() +
+                                    "' nicht gedruckt werden.");
+    const double dpi = printer.resolution();
+    const PagePainter pages(layout, dpi, dpi / 72.0, false);
+    for (int page = from; page <= to; ++page) {
+        if (page > from)
+            printer.newPage();
+        pages.paint(painter, page - 1);
+    }
+    painter.end();
+}
+
+} // namespace qi
