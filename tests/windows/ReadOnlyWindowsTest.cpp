@@ -9,6 +9,7 @@
 #include "FileSystem.h"
 #include "ProjectLock.h"
 #include "QTreeGebStruCtrl.h"
+#include "Report.h"
 #include "ReportMenus.h"
 #include "Screenshots.h"
 
@@ -165,11 +166,15 @@ TEST_F(ReadOnlyWindowsTest, ASecondProgramOnTheProjectOnlyLooksUntilTheFirstIsKi
     work()->pbRooms->click();
     EXPECT_TRUE(shown);
 
-    // A report is made in a private copy.
+    // A report is made in a private copy, which the report engine reads.
     work()->mnuReportFkt.at(reportmenu::Differenz)->trigger();
     EXPECT_EQ(ui.messages.size(), 1u) << ui.messages.back().text;
     ASSERT_EQ(ui.reports.size(), 1u);
     EXPECT_EQ(ui.reports[0].dataFile.find(programDir), std::string::npos) << ui.reports[0].dataFile;
+    const auto report = Report::open(ui.reports[0].reportFile, ui.reports[0].dataFile, ui.reports[0].title);
+    const std::string printed = report->text();
+    EXPECT_NE(printed.find(inst.roomsOfFloor(firstFloor()).front()->nr), std::string::npos) << printed.substr(0, 2000);
+    EXPECT_NE(printed.find("Seite 1 von"), std::string::npos);
 
     work()->close();
     main->close();
