@@ -3,6 +3,7 @@
 #include "FileSystem.h"
 #include "JetCollation.h"
 #include "ProfileFile.h"
+#include "ProjectAccess.h"
 #include "TextFile.h"
 #include "frmRaum.h"
 #include "frmWork.h"
@@ -50,6 +51,7 @@ ExitCode exitCodeOf(FileListResult r)
     case FileListResult::RoomsAlreadyRead: return kRoomsAlreadyRead;
     case FileListResult::AlreadyAdded: return kFileAlreadyAdded;
     case FileListResult::FileMissing: return kFileMissing;
+    case FileListResult::ReadOnly: return kReadOnly;
     case FileListResult::Cancelled:
     case FileListResult::Failed: break;
     }
@@ -227,6 +229,7 @@ int Session::anlegen()
         out_ << "Auftrag '" << name << "' angelegt: " << displayPath(orderDatabaseFile(settings_, rec.stPfad)) << '\n';
         return kSuccess;
     case OrderResult::NameRefused: return kNameRefused;
+    case OrderResult::ReadOnly: return kReadOnly;
     default: return kFailure;
     }
 }
@@ -236,8 +239,11 @@ int Session::loeschen()
     CAuftragRec* rec = order();
     if (!rec)
         return kOrderUnknown;
-    if (DeleteOrder(*startup_.inventurDb, settings_, ui_, *rec) != OrderResult::Done)
-        return kFailure;
+    switch (DeleteOrder(*startup_.inventurDb, settings_, ui_, *rec)) {
+    case OrderResult::Done: break;
+    case OrderResult::ReadOnly: return kReadOnly;
+    default: return kFailure;
+    }
     out_ << "Auftrag '" << inv_.args.at(0) << "' gelöscht.\n";
     return kSuccess;
 }
@@ -332,6 +338,8 @@ int Session::raeumeSetzen()
             rooms.lvRooms_DblClick();
         }
     }
+    if (RefuseOrderChange(*db_, ui_))
+        return kReadOnly;
     if (!rooms.SaveRooms())
         return kFailure;
     out_ << rooms.lvRooms.size() << " Räume im Auftrag '" << rec->stBezeichung << "' gespeichert.\n";
@@ -381,7 +389,9 @@ int Session::asOneChange(const std::function<FileListResult()>& change)
     try {
         if (const FileListResult r = change(); r != FileListResult::Done) {
             all.rollback();
-            unchanged();
+            // A read-only order was never touched, as its own message said.
+            if (r != FileListResult::ReadOnly)
+                unchanged();
             return exitCodeOf(r);
         }
     } catch (const UnresolvedConflict& c) {
@@ -448,6 +458,9 @@ int Session::auswerten()
         return kOrderUnknown;
     if (!open(*rec, OrderAccess::Work))
         return kFailure;
+    // The evaluation writes the difference list into the order.
+    if (RefuseOrderChange(*db_, ui_))
+        return kReadOnly;
     frmWork work(*db_, settings_, ui_);
     work.f_QGebDb = startup_.gebDb.get();
     if (!work.ReportDifferenzListe())
@@ -466,6 +479,8 @@ int Session::archiv()
         return kOrderUnknown;
     if (!open(*rec, OrderAccess::Work))
         return kFailure;
+    if (RefuseOrderChange(*db_, ui_))
+        return kReadOnly;
     frmWork work(*db_, settings_, ui_);
     const std::string archive = work.MakeArchive();
     if (archive.empty())

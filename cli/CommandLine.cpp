@@ -27,13 +27,13 @@ std::vector<CommandSpec> makeCommands()
                  "Optionen:\n"
                  "  --mitarbeiter WER  der Mitarbeiter, der den Auftrag anlegt (Ersteller)\n",
                  1, 1, {"--mitarbeiter"}, {},
-                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderExists, kNameRefused},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderExists, kNameRefused, kReadOnly},
                  {"qinventur-cli anlegen \"Lager Süd\" --mitarbeiter Meier"}});
     c.push_back({"loeschen", "loeschen NAME", "Auftrag löschen",
                  "Löscht den Auftrag NAME: seine Zeile im Auftragsverzeichnis und seine Datenbank.\n"
                  "Der Ordner \"Inventur\" bleibt. Ein Auftrag, dessen Datenbank nicht im Ordner\n"
                  "\"Inventur\" des Projekts liegt, wird weder gelöscht noch geöffnet.\n",
-                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
                  {"qinventur-cli loeschen \"Lager Süd\""}});
     c.push_back({"raeume", "raeume NAME [--setzen [RAUM[:L|:N] ...] [--datei DATEI] [--alle]]",
                  "Räume eines Auftrags auflisten oder festlegen",
@@ -55,7 +55,7 @@ std::vector<CommandSpec> makeCommands()
                  "                 (leere Zeilen und Zeilen, die mit # beginnen, zählen nicht)\n"
                  "  --alle         alle Räume der Gebäudestruktur\n",
                  1, -1, {"--datei"}, {"--setzen", "--alle"},
-                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown, kReadOnly},
                  {"qinventur-cli raeume \"Lager Süd\"", "qinventur-cli raeume \"Lager Süd\" --setzen 1.01 1.02 1.03:L",
                   "qinventur-cli raeume \"Lager Süd\" --setzen --datei raeume.txt",
                   "qinventur-cli raeume \"Lager Süd\" --setzen --alle"}});
@@ -78,7 +78,7 @@ std::vector<CommandSpec> makeCommands()
                  "                                 eingescannt wurden\n",
                  2, -1, {"--konflikt"}, {},
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kNoRooms, kRoomsNotInOrder,
-                  kSeveralDays, kRoomsAlreadyRead, kFileAlreadyAdded, kUnresolvedConflict, kFileMissing},
+                  kSeveralDays, kRoomsAlreadyRead, kFileAlreadyAdded, kUnresolvedConflict, kFileMissing, kReadOnly},
                  {"qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan1.dat /daten/scan2.dat",
                   "qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan3.dat --konflikt verwerfen"}});
     c.push_back({"entfernen", "entfernen NAME DATEINAME [--konflikt behalten|verwerfen]",
@@ -95,7 +95,7 @@ std::vector<CommandSpec> makeCommands()
                  "                                 eingescannt wurden\n",
                  2, 2, {"--konflikt"}, {},
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomsAlreadyRead,
-                  kUnresolvedConflict, kFileMissing},
+                  kUnresolvedConflict, kFileMissing, kReadOnly},
                  {"qinventur-cli entfernen \"Lager Süd\" scan2.dat --konflikt behalten"}});
     c.push_back({"neu-einlesen", "neu-einlesen NAME [--konflikt behalten|verwerfen]",
                  "Scandaten aus allen Dateien neu einlesen",
@@ -111,13 +111,13 @@ std::vector<CommandSpec> makeCommands()
                  "                                 eingescannt wurden\n",
                  1, 1, {"--konflikt"}, {},
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomsAlreadyRead,
-                  kUnresolvedConflict, kFileMissing},
+                  kUnresolvedConflict, kFileMissing, kReadOnly},
                  {"qinventur-cli neu-einlesen \"Lager Süd\" --konflikt verwerfen"}});
     c.push_back({"auswerten", "auswerten NAME", "Differenzliste erstellen",
                  "Erstellt die Differenzliste des Auftrags neu, wie es jeder Differenzbericht und jede\n"
                  "Fehlerliste zuerst tut, und gibt die Anzahl der Objekte je Kategorie aus:\n"
                  "Kategorie und Anzahl, durch einen Tabulator getrennt, mit einer Kopfzeile.\n",
-                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
                  {"qinventur-cli auswerten \"Lager Süd\""}});
     c.push_back({"bericht", "bericht NAME BERICHT --ausgabe PFAD [--format pdf|xlsx|csv]",
                  "Bericht oder Fehlerliste schreiben",
@@ -166,7 +166,7 @@ std::vector<CommandSpec> makeCommands()
                  "zusammenfassen\" im Auftragsfenster: \"Inventur\\NAME.dat\" im Projektordner, eine Zeile\n"
                  "je eingescanntem Objekt im Format der Scannerdateien. Eine vorhandene Datei wird\n"
                  "ersetzt.\n",
-                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
+                 1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
                  {"qinventur-cli archiv \"Lager Süd\""}});
     return c;
 }

@@ -22,6 +22,7 @@ enum ExitCode : int {
     kFileAlreadyAdded = 12, ///< a file of that name was added before
     kUnresolvedConflict = 13, ///< an object scanned in two rooms and no --konflikt given
     kFileMissing = 14,      ///< a scanner file is not there, or not a file of the order
+    kReadOnly = 15,         ///< the project or the order may only be looked at
 };
 
 struct ExitCodeInfo {
@@ -46,6 +47,7 @@ inline constexpr ExitCodeInfo kExitCodes[] = {
     {kFileAlreadyAdded, "Datei dieses Namens ist bereits hinzugefügt"},
     {kUnresolvedConflict, "Objekt in zwei Räumen eingescannt und kein --konflikt angegeben"},
     {kFileMissing, "Scannerdatei nicht vorhanden oder nicht im Auftrag"},
+    {kReadOnly, "Projekt oder Auftrag nur zum Ansehen geöffnet (von einem anderen Programm bearbeitet oder schreibgeschützt)"},
 };
 
 } // namespace qi::cli

@@ -1,5 +1,7 @@
 #include "CAuftragDb.h"
 
+#include "OrderSchema.h"
+
 #include "JetSql.h"
 
 #include <array>
@@ -87,6 +89,12 @@ const std::span<const FieldMap<Il>> RecordTable<Il>::write{kIlWrite};
 const std::span<const FieldMap<Il>> RecordTable<Il>::read{kIlRead};
 const std::span<const FieldMap<Raum>> RecordTable<Raum>::write{kRaumWrite};
 const std::span<const FieldMap<Raum>> RecordTable<Raum>::read{kRaumRead};
+
+bool CAuftragDb::OpenCheckedDb()
+{
+    static const Structure expected = structureMadeBy(createOrderSchema);
+    return openChecked(expected, "keine Auftragsdatenbank");
+}
 
 bool CAuftragDb::IsValidDb()
 {

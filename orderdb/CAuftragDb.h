@@ -43,6 +43,11 @@ public:
 
     /// True when the seven order tables exist (names only).
     bool IsValidDb();
+    /// Opens DbPath (read-only as OpenReadOnly says) and checks that it is an order database:
+    /// every table and column of a new one. False with LastError "Die Datenbank ... konnte nicht
+    /// geöffnet werden!" and the reason (the engine's, or "Sie ist keine Auftragsdatenbank: die
+    /// Tabelle T_Raum fehlt."); the database is closed then.
+    bool OpenCheckedDb();
 
     // T_Artikelliste
     bool AddNewArtikellisteRec(CArtikellisteRec* rec) { return addNewRec(rec); }

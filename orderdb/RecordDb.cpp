@@ -28,6 +28,23 @@ bool RecordDb::OpenDb()
     }
 }
 
+bool RecordDb::openChecked(const Structure& expected, const std::string& kind)
+{
+    if (!OpenDb())
+        return false;
+    const std::string failed = "Die Datenbank " + displayPath(dbPath_) + " konnte nicht geöffnet werden!";
+    try {
+        const std::string missing = missingStructure(*db_, expected);
+        if (missing.empty())
+            return true;
+        CloseDb();
+        return fail(failed + "\r\nSie ist " + kind + ": " + missing + ".");
+    } catch (const DbError& e) {
+        CloseDb();
+        return fail(failed, e);
+    }
+}
+
 void RecordDb::CloseDb() { db_.reset(); }
 
 bool RecordDb::UpdateDb()

@@ -6,6 +6,7 @@
 // when the engine raised an error.
 
 #include "Database.h"
+#include "DatabaseStructure.h"
 #include "RecColl.h"
 #include "RecordFields.h"
 
@@ -48,6 +49,8 @@ public:
 
     /// Opens DbPath (closing first). An empty path answers false with LastError empty.
     bool OpenDb();
+    /// True when the database was opened read-only (OpenReadOnly held a true value then).
+    bool isReadOnly() const { return db_ && db_->readOnly(); }
     /// Closes the database; never fails.
     void CloseDb();
     /// Writes nothing (the engine writes through); true.
@@ -83,6 +86,10 @@ protected:
     bool readAllRec2Coll(CRecColl<Rec>& coll);
     /// Runs an action statement; `failText` on error.
     bool executeDelete(std::string_view sql);
+    /// Opens DbPath as OpenDb does and checks that the file holds every table and column of
+    /// `expected`; otherwise closes it again and fails with the open message followed by
+    /// "Sie ist " + `kind` + ": " and what is missing ("die Tabelle T_Raum fehlt").
+    bool openChecked(const Structure& expected, const std::string& kind);
 
 private:
     std::string lastError_;

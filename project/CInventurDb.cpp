@@ -29,6 +29,12 @@ void createRegisterSchema(Database& db)
                      ", stEditor " + t + ");");
 }
 
+bool CInventurDb::OpenCheckedDb()
+{
+    static const Structure expected = structureMadeBy(createRegisterSchema);
+    return openChecked(expected, "kein Auftragsregister");
+}
+
 bool CInventurDb::IsValidDb()
 {
     begin();

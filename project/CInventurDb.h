@@ -18,6 +18,10 @@ class CInventurDb : public RecordDb {
 public:
     /// True when the register holds a table T_Auftrag.
     bool IsValidDb();
+    /// Opens DbPath (read-only as OpenReadOnly says) and checks that it is an order register
+    /// (T_Auftrag with every column). False with LastError "Die Datenbank ... konnte nicht geöffnet
+    /// werden!" and the reason; the database is closed then.
+    bool OpenCheckedDb();
     /// Inserts the record; it receives the new lID.
     bool AddNewAuftragRec(CAuftragRec* rec) { return addNewRec(rec); }
     /// Updates the row with the record's lID.

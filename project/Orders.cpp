@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "OrderName.h"
+#include "ProjectAccess.h"
 #include "ReportLinks.h"
 #include "TableRecordset.h"
 
@@ -69,7 +70,7 @@ std::string namedFile(const Settings& settings, const std::string& stPfad)
 }
 
 /// MakeDatabase: the new order's database, made under the staging name and filled; its path.
-std::string makeStagedDatabase(const Settings& settings, const std::string& name)
+std::string makeStagedDatabase(const Settings& settings, UserInteraction& ui, const std::string& name)
 {
     const std::string folder = orderFolder(settings);
     if (!folderExists(folder) && !createFolder(folder))
@@ -83,8 +84,23 @@ std::string makeStagedDatabase(const Settings& settings, const std::string& name
     // What a process that died here left behind goes first.
     const std::string staged = folder + "\\" + kStagingFile;
     removeDatabaseFile(staged);
-    if (!copyFile(source, staged))
+    // Only an order database is copied, read in one consistent state; the new file is the
+    // program's own (writable whatever the template's rights).
+    CAuftragDb empty(ui);
+    empty.setDbPath(source);
+    empty.setOpenReadOnly(Value(std::int64_t{-1}));
+    if (!empty.OpenCheckedDb())
+        throw RunError(empty.LastError());
+    try {
+        empty.database()->copyTo(staged);
+    } catch (const DbError& e) {
+        removeDatabaseFile(staged);
+        // A full disk or a locked template says so; any other copy that fails is an access error.
+        if (e.number() == dberr::DiskFull || e.number() == dberr::DiskOrNetwork || e.number() == dberr::Locked)
+            throw;
         throw RunError(rterr::PathFileAccess);
+    }
+    empty.CloseDb();
     try {
         auto db = Database::open(staged);
         TableRecordset rs(*db, "T_Auftrag");
@@ -136,6 +152,8 @@ std::string orderDatabaseFile(const Settings& settings, const std::string& stPfa
 
 OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec)
 {
+    if (RefuseProjectChange(settings, ui))
+        return OrderResult::ReadOnly;
     const std::string name = rec.stBezeichung;
     if (const std::string problem = orderNameProblem(name); !problem.empty()) {
         ui.showError(mainlabel::MakeDatabase, problem);
@@ -146,7 +164,7 @@ OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteract
 
     std::string staged;
     try {
-        staged = makeStagedDatabase(settings, name);
+        staged = makeStagedDatabase(settings, ui, name);
     } catch (const std::exception& e) {
         ui.showError(mainlabel::MakeDatabase, describe(e));
         return OrderResult::Failed;
@@ -189,6 +207,8 @@ OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteract
 
 OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec)
 {
+    if (RefuseProjectChange(settings, ui))
+        return OrderResult::ReadOnly;
     const std::string file = orderDatabaseFile(settings, rec.stPfad);
     if (file.empty()) {
         ui.showError(mainlabel::DateiFkt, ordermsg::outsideOrderFolder(namedFile(settings, rec.stPfad)));
@@ -213,17 +233,29 @@ OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserIn
             return OrderResult::OutsideProject;
         }
         db.setDbPath(file);
-        if (access == OrderAccess::Work) {
-            rec.letzte_Aenderung = JetDate::now();
-            rec.bOffen = -1;
-            if (!reg.EditAuftragRec(&rec))
-                throw RunError(reg.LastError());
+        if (access == OrderAccess::Look) {
+            db.setOpenReadOnly(Value(std::int64_t{-1}));
+            if (!db.OpenCheckedDb())
+                throw RunError(db.LastError());
+            return OrderResult::Done;
         }
-        db.setOpenReadOnly(Value(std::int64_t{access == OrderAccess::Look ? -1 : 0}));
-        if (!db.OpenDb())
+        // The order's file is opened and checked before its record is stamped: a file that is
+        // no order database leaves the register as it was. An order opened read-only (the
+        // project or the file can't be changed) is not stamped, and the report database is
+        // left to the program that may change it.
+        if (!OpenOrderForWork(db, settings, ui))
             throw RunError(db.LastError());
-        if (access == OrderAccess::Work)
-            CheckReportMdbLink(settings, db.DbPath(), ui);
+        if (db.isReadOnly()) {
+            rec.bOffen = -1;
+            return OrderResult::Done;
+        }
+        rec.letzte_Aenderung = JetDate::now();
+        rec.bOffen = -1;
+        if (!reg.EditAuftragRec(&rec)) {
+            db.CloseDb();
+            throw RunError(reg.LastError());
+        }
+        CheckReportMdbLink(settings, db.DbPath(), ui);
         return OrderResult::Done;
     } catch (const std::exception& e) {
         ui.showError(mainlabel::DblClick, describe(e));

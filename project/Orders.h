@@ -61,6 +61,7 @@ enum class OrderResult {
     Done,
     NameRefused,    ///< the name can't name a file in the order folder (said so)
     OutsideProject, ///< the register row names a file outside the order folder (said so)
+    ReadOnly,       ///< the project may only be looked at (said so)
     Failed,         ///< an error was reported
 };
 

@@ -94,6 +94,8 @@ const ModuleTexts& texts(int which, std::int16_t modul)
 
 std::string reportDatabasePath(const Settings& settings)
 {
+    if (!settings.reportDatabaseFile.empty())
+        return settings.reportDatabaseFile;
     return settings.gstAppPfad + "\\" + kReportDatabaseFile;
 }
 

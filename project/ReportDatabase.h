@@ -17,7 +17,7 @@ inline constexpr const char* kReportDatabaseFile = "QInventurRpt.mdb";
 inline constexpr const char* kQueryAnzProRaum = "Q_AnzProRaum";
 inline constexpr const char* kQueryDiffListe = "Q_DiffListe";
 
-/// gstAppPfad + "\QInventurRpt.mdb".
+/// gstAppPfad + "\QInventurRpt.mdb", or the settings' own report database file when they name one.
 std::string reportDatabasePath(const Settings& settings);
 
 /// Objects per room of the order, for the module (0, 1, 2; others as 0).

@@ -21,6 +21,14 @@ struct Settings {
     std::int16_t giModul = 0;
     /// Set by the room selection when rooms were taken out of an order.
     bool gbRaeumeGeaendert = false;
+    /// True when this program may look at the project but change nothing: another program
+    /// works on it, or its folder or order register can't be written (see ProjectAccess.h).
+    bool readOnly = false;
+    /// Why, as the user was told at start-up.
+    std::string readOnlyReason;
+    /// The report database when it is not the program folder's (a private copy); empty for
+    /// gstAppPfad + "\QInventurRpt.mdb".
+    std::string reportDatabaseFile;
 
     bool isJet() const { return gstProjekttyp == "ptJet"; }
     /// "T_I", "T_T" or "T_B" for the module; empty outside 0..2.

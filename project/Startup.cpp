@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "HostMirror.h"
+#include "ProjectAccess.h"
 
 #include <algorithm>
 #include <cctype>
@@ -130,10 +131,14 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
     else if (modul == "BRANDSCHUTZ")
         settings.giModul = 2;
 
+    // One program at a time changes the project; any other only looks.
+    if (!step([&] { result.lock = TakeProject(settings, ui); }))
+        return result;
+
     // 7. Seed a new project. The program folder is only stored in step 9; seeding reads the template
-    // beside the program all the same.
-    bool seeded = false;
-    if (!step([&] {
+    // beside the program all the same. A project that is read-only for this program is not seeded.
+    bool seeded = settings.readOnly;
+    if (!settings.readOnly && !step([&] {
             Settings seeding = settings;
             seeding.gstAppPfad = programFolder;
             seeded = CheckDB_Reports(seeding, profile);
@@ -144,18 +149,26 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
         return result;
     }
 
-    // 8. The order register; its open is not checked here (reading the list reports a failure).
+    // 8. The order register. A file that can't be opened or is no register ends start-up here,
+    // before anything could be written into it.
+    std::string registerProblem;
     if (!step([&] {
             auto db = std::make_unique<CInventurDb>();
             std::string folder = settings.gstProjektPfad;
             if (!folder.empty() && folder.back() != '\\')
                 folder += '\\';
             db->setDbPath(folder + "QInventur.mdb");
-            db->setOpenReadOnly(Value(std::int64_t{0}));
-            db->OpenDb();
-            result.inventurDb = std::move(db);
+            db->setOpenReadOnly(Value(std::int64_t{settings.readOnly ? -1 : 0}));
+            if (db->OpenCheckedDb())
+                result.inventurDb = std::move(db);
+            else
+                registerProblem = db->LastError();
         }))
         return result;
+    if (!registerProblem.empty()) {
+        problem(ui, registerProblem.c_str());
+        return result;
+    }
 
     // 9. The program folder.
     settings.gstAppPfad = programFolder;

@@ -1,12 +1,14 @@
 #pragma once
 // The program's start-up, run once when the main window loads: it finds Quarn's
 // current project from "Quarn.ini" in the program folder, reads "Projekt.ini"
-// there, seeds a new project from the template folder "Leeres Projekt", opens the
-// project's order register and Quarn's building and object data. The main window
-// shows the caption, keeps the objects and fills its order list afterwards.
+// there, takes the project for this program (or finds it read-only), seeds a new
+// project from the template folder "Leeres Projekt", opens the project's order
+// register and Quarn's building and object data. The main window shows the
+// caption, keeps the objects and fills its order list afterwards.
 
 #include "CInventurDb.h"
 #include "ProfileFile.h"
+#include "ProjectLock.h"
 #include "QuarnHost.h"
 #include "Settings.h"
 #include "UserInteraction.h"
@@ -33,8 +35,11 @@ struct StartupResult {
     std::string caption;
     /// True when every step ran; false when start-up ended early (no register then).
     bool completed = false;
-    /// The order register, opened on gstProjektPfad + "QInventur.mdb" (the open may have failed).
+    /// The order register, opened on gstProjektPfad + "QInventur.mdb" (read-only when the project is).
     std::unique_ptr<CInventurDb> inventurDb;
+    /// The project's lock, to be kept while the program works on the project; null when the
+    /// project is read-only for this program (settings.readOnly, see ProjectAccess.h).
+    std::shared_ptr<ProjectLock> lock;
     /// Quarn's building database component (its objects opened for the module).
     std::unique_ptr<QGebDb> gebDb;
     /// Quarn's object component for the module.
@@ -42,7 +47,9 @@ struct StartupResult {
 };
 
 /// Runs start-up for the program folder `programFolder` (no trailing separator) and fills `settings`.
-/// Messages go to `ui`; nothing is thrown.
+/// Messages go to `ui`; nothing is thrown. A read-only project (TakeProject) is not seeded and its
+/// register is opened read-only. A register that can't be opened or is no order register ends
+/// start-up with the reason (critical icon, title "Problem"), so that nothing is written into it.
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui);
 /// The same with a given profile service (tests use one that fails on purpose).
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,

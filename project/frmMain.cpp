@@ -3,6 +3,7 @@
 #include "CAuftragDb.h"
 #include "HelpTools.h"
 #include "ListView.h"
+#include "ProjectAccess.h"
 #include "Startup.h"
 #include "WindowState.h"
 #include "frmAbout.h"
@@ -14,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
+#include <QStatusBar>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -127,12 +129,25 @@ void frmMain::Form_Load()
     setWindowTitle(QString::fromStdString(r.caption));
     if (!r.completed)
         return;
+    projectLock_ = std::move(r.lock);
     inventurDb_ = std::move(r.inventurDb);
     gebDb_ = std::move(r.gebDb);
     objektDb_ = std::move(r.objektDb);
     dbAuftrag_ = std::make_unique<CAuftragDb>(ui_);
     newCurrent();
+    if (settings_.readOnly)
+        showReadOnly();
     InitAuftraege();
+}
+
+void frmMain::showReadOnly()
+{
+    mnuDateiFkt[menuindex::NewOrder]->setEnabled(false);
+    mnuDateiFkt[menuindex::DeleteOrder]->setEnabled(false);
+    lbNurAnsehen = new QLabel(QStringLiteral("Nur zum Ansehen geöffnet"), this);
+    lbNurAnsehen->setObjectName(QStringLiteral("lbNurAnsehen"));
+    lbNurAnsehen->setToolTip(QString::fromStdString(settings_.readOnlyReason));
+    statusBar()->addWidget(lbNurAnsehen);
 }
 
 void frmMain::detachCurrent()
@@ -311,6 +326,8 @@ std::pair<std::string, std::string> frmMain::askNewOrder()
 
 void frmMain::MakeNewOrder()
 {
+    if (RefuseProjectChange(settings_, ui_))
+        return;
     if (!inventurDb_) {
         ui_.showError(mainlabel::MakeNewOrder, kNoObject);
         return;
@@ -347,6 +364,8 @@ void frmMain::closeWorkWindow()
 
 void frmMain::deleteSelectedOrder()
 {
+    if (RefuseProjectChange(settings_, ui_))
+        return;
     QTreeWidgetItem* item = selectedItem();
     if (!item) {
         ui_.messageBox(ordermsg::SelectFirst, MsgButtons::Ok, MsgIcon::Exclamation, ordermsg::SelectFirstTitle);
@@ -390,7 +409,8 @@ void frmMain::Form_Unload()
     unloaded_ = true;
     if (recAuftrag_) {
         recAuftrag_->bOffen = 0;
-        if (recAuftrag_->lID > 0) {
+        // A read-only project's register is not written.
+        if (recAuftrag_->lID > 0 && !settings_.readOnly) {
             const bool saved = inventurDb_ && inventurDb_->EditAuftragRec(recAuftrag_);
             if (!saved) {
                 ui_.showError(mainlabel::Unload, inventurDb_ ? inventurDb_->LastError() : kNoObject);
@@ -403,6 +423,7 @@ void frmMain::Form_Unload()
     inventurDb_.reset();
     objektDb_.reset();
     gebDb_.reset();
+    projectLock_.reset();
 }
 
 } // namespace qi

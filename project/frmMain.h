@@ -5,6 +5,7 @@
 // orders, the current-order record and the database of the open order.
 
 #include "CInventurDb.h"
+#include "ProjectLock.h"
 #include "QuarnHost.h"
 #include "RecColl.h"
 #include "Settings.h"
@@ -89,6 +90,8 @@ public:
 
     QTreeWidget* lvAuftraege;
     QLabel* Label1;
+    /// In the status bar while the project is read-only: why.
+    QLabel* lbNurAnsehen = nullptr;
     QMenu* mnuDatei;
     QMenu* mnuHelp;
     std::map<int, QAction*> mnuDateiFkt;
@@ -114,10 +117,14 @@ private:
     void setCurrent(CAuftragRec* rec);
     void newCurrent();
     void closeWorkWindow();
+    /// Shows that the project is read-only: the commands that change it are out of use.
+    void showReadOnly();
 
     UserInteraction& ui_;
     std::string programFolder_;
     Settings settings_;
+    /// Held while this program works on the project (null when it may only look).
+    std::shared_ptr<ProjectLock> projectLock_;
     std::unique_ptr<CInventurDb> inventurDb_;
     std::unique_ptr<QGebDb> gebDb_;
     std::unique_ptr<QObjektDb> objektDb_;

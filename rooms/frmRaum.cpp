@@ -1,6 +1,7 @@
 #include "frmRaum.h"
 
 #include "DbError.h"
+#include "ProjectAccess.h"
 #include "TableRecordset.h"
 #include "frmWorkSupport.h"
 
@@ -131,7 +132,9 @@ void frmRaum::Form_Deactivate()
 
 void frmRaum::Form_Unload()
 {
-    SaveRooms();
+    // An order that is open read-only was only looked at: nothing to save.
+    if (!readOnly())
+        SaveRooms();
     ui_.processEvents();
 }
 
@@ -219,6 +222,8 @@ void frmRaum::cbAllRooms_Click()
 
 void frmRaum::pbIn_Click()
 {
+    if (readOnly())
+        return;
     try {
         bool anySelected = false;
         for (const RoomLine& line : lbRooms)
@@ -238,6 +243,8 @@ void frmRaum::pbIn_Click()
 
 void frmRaum::pbAllIn_Click()
 {
+    if (readOnly())
+        return;
     // A line whose room is listed already is not added again; the rest go in.
     for (const RoomLine& line : lbRooms)
         addRow(line);
@@ -247,6 +254,8 @@ void frmRaum::pbAllIn_Click()
 
 void frmRaum::pbOut_Click()
 {
+    if (readOnly())
+        return;
     bool anySelected = false;
     for (const RoomRow& row : lvRooms)
         anySelected = anySelected || row.selected;
@@ -267,6 +276,8 @@ void frmRaum::pbOut_Click()
 
 void frmRaum::pbAllOut_Click()
 {
+    if (readOnly())
+        return;
     lvRooms.clear();
     lvRoomsSelectedKey.clear();
     notify(onOrderRoomsChanged);
@@ -277,7 +288,7 @@ void frmRaum::pbFertig_Click() { notify(onUnloadRequested); }
 void frmRaum::lvRooms_DblClick()
 {
     RoomRow* row = rowByKey(lvRoomsSelectedKey);
-    if (!row)
+    if (!row || readOnly())
         return;
     if (row->status == roomstatus::New)
         row->status = roomstatus::Marked;
@@ -301,11 +312,13 @@ void frmRaum::saveFailed(const std::string& description)
 
 bool frmRaum::SaveRooms()
 {
+    if (RefuseOrderChange(db_, ui_))
+        return false;
     try {
         // The order's name, from its own database file.
         std::string auftrag;
         {
-            auto order = Database::open(db_.DbPath());
+            auto order = Database::open(db_.DbPath(), true);
             TableRecordset rs(*order, "T_Auftrag");
             rs.moveFirst();
             auftrag = toText(rs.field("stAuftrag"));

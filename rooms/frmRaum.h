@@ -83,8 +83,13 @@ public:
     void Form_Activate();
     /// Deactivation: after rooms were taken out asks "Räume speichern?" and saves on Yes.
     void Form_Deactivate();
-    /// Unload: saves the rooms without asking, then lets pending events run.
+    /// Unload: saves the rooms without asking (unless the order is open read-only), then lets
+    /// pending events run.
     void Form_Unload();
+
+    /// True when the order is open read-only: the rooms can be looked at; the procedures that
+    /// move or mark rooms do nothing, and SaveRooms refuses with a message.
+    bool readOnly() const { return db_.isReadOnly(); }
 
     // ------------------------------------------------------------ procedures
 
@@ -109,7 +114,9 @@ public:
     /// The list view's item event on the selected row: "N" becomes "L", "L" becomes "N".
     void lvRooms_DblClick();
     /// Writes lvRooms to T_Raum (after emptying the difference list and T_Raum), then
-    /// rereads and updates the statuses. True when every step succeeded.
+    /// rereads and updates the statuses, all in one transaction. True when every step succeeded.
+    /// A step that fails keeps what the steps before it wrote; a process that dies on the way,
+    /// and a disk that can't take the changes, leave the rooms as they were.
     bool SaveRooms();
 
     // ------------------------------------------------------------ what the controls show

@@ -50,6 +50,13 @@ frmRaumWindow::frmRaumWindow(CAuftragDb& db, QGebDb* gebDb, Settings& settings, 
     form_.onAllRoomsChanged = [this] { showAllRooms(); };
     form_.onUnloadRequested = [this] { Unload(); };
     form_.Form_Load();
+    if (form_.readOnly()) {
+        // The rooms of an order that is open read-only are only shown.
+        for (QPushButton* b : {pbIn, pbAllIn, pbOut, pbAllOut})
+            b->setEnabled(false);
+        lbHint->setText(QStringLiteral("Nur zum Ansehen geöffnet: die Räume können nicht geändert werden."));
+        pbFertig->setToolTip(QStringLiteral("Das Fenster schließen"));
+    }
 }
 
 frmRaumWindow::~frmRaumWindow() = default;

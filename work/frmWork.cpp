@@ -4,6 +4,7 @@
 
 #include "DbError.h"
 #include "FileSystem.h"
+#include "ProjectAccess.h"
 #include "QuarnHost.h"
 #include "ScannerFile.h"
 #include "TextFile.h"
@@ -70,7 +71,7 @@ bool frmWork::Init()
     try {
         lvDateien.clear();
         check(f_DBAuftrag.ReadAllDateienRec2Coll(f_collDateien), f_DBAuftrag);
-        pbRemoveEnabled = f_collDateien.Count() > 0;
+        pbRemoveEnabled = f_collDateien.Count() > 0 && !readOnly();
         for (const CDateienRec& d : f_collDateien)
             lvDateien.push_back({CDateienRecColl::MakeIndex(d.lID), d.stName, {d.Datum, d.stPfad}});
         if (onDateienChanged)
@@ -249,14 +250,27 @@ bool frmWork::GetDataFromDat()
 bool frmWork::DatEinlesen()
 {
     const bool ok = GetDataFromDat();
-    f_DBAuftrag.WriteReihenfolgeDatInventur();
+    // After a failure of the disk the import is gone as a whole; there is nothing to number.
+    if (!storageFailed())
+        f_DBAuftrag.WriteReihenfolgeDatInventur();
     return ok;
 }
+
+namespace {
+/// True for a failure of the disk (full, or failing), after which a command's changes are undone.
+bool isDiskFailure(const std::exception& e)
+{
+    const auto* db = dynamic_cast<const DbError*>(&e);
+    return db && (db->number() == dberr::DiskFull || db->number() == dberr::DiskOrNetwork);
+}
+} // namespace
 
 // ---------------------------------------------------------------- data file list
 
 FileListResult frmWork::RoomsSelected()
 {
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return FileListResult::ReadOnly;
     try {
         check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);
     } catch (const std::exception& e) {
@@ -324,14 +338,26 @@ FileListResult frmWork::AddDataFile(const std::string& path)
         // The file's row, its scan lines, their numbers and the rooms' status are written as
         // one: a process that dies on the way leaves the order as it was before the file.
         KeptTransaction tx(f_DBAuftrag);
-        if (!f_DBAuftrag.AddNewDateienRec(&datei))
+        if (!f_DBAuftrag.AddNewDateienRec(&datei)) {
+            // Only a name the order holds already is refused so; a disk that can't take the row says why.
+            if (storageFailed())
+                throw Failure(f_DBAuftrag.LastError());
             return refuse(kSchonHinzugefuegt, FileListResult::AlreadyAdded);
+        }
 
         f_lDatId = datei.lID;
         ui_.processEvents();
         bool ok = DatEinlesen();
         ui_.processEvents();
-        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+        const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
+        if (storageFailed()) {
+            // The disk took nothing of the file (the import said why): the order is as before it.
+            ui_.setBusy(false);
+            Init();
+            InitData();
+            return FileListResult::Failed;
+        }
+        if (statusSet) {
             Init();
             InitData();
         } else {
@@ -343,6 +369,11 @@ FileListResult frmWork::AddDataFile(const std::string& path)
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbAdd_Click", e.what());
+        // The file's changes could not be written and are gone: the lists show the order as it is.
+        if (storageFailed() || isDiskFailure(e)) {
+            Init();
+            InitData();
+        }
         return FileListResult::Failed;
     }
 }
@@ -351,6 +382,8 @@ FileListResult frmWork::pbRemove_Click(const std::string& itemKey, const std::st
 {
     if (itemKey.empty())
         return FileListResult::Cancelled;
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return FileListResult::ReadOnly;
     try {
         if (!ui_.askYesNo("Die Datei '" + itemText +
                               "' entfernen und Inventurdaten entsprechen verbleibenden Dateien aktualisieren ?",
@@ -407,8 +440,11 @@ void frmWork::clearScanData()
 
 FileListResult frmWork::pbNeu_Click()
 {
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return FileListResult::ReadOnly;
     // All scan data are made anew as one: a process that dies on the way leaves the order as
-    // it was; the specified stops (a missing file, rooms read twice) keep what they left.
+    // it was; the specified stops (a missing file, rooms read twice) keep what they left. A disk
+    // that can't take the changes leaves the order as it was, too.
     KeptTransaction tx(f_DBAuftrag);
     try {
         ui_.setBusy(true);
@@ -436,8 +472,16 @@ FileListResult frmWork::pbNeu_Click()
                 break;
             }
             ok = GetDataFromDat() && ok;
+            if (storageFailed())
+                break;
         }
         progress.end();
+        if (storageFailed()) {
+            ui_.setBusy(false);
+            Init();
+            InitData();
+            return FileListResult::Failed;
+        }
 
         if (conflict) {
             ui_.setBusy(false);
@@ -449,7 +493,8 @@ FileListResult frmWork::pbNeu_Click()
         }
 
         ok = f_DBAuftrag.WriteReihenfolgeDatInventur() && ok;
-        if (f_DBAuftrag.SetStatusRoomsByDB()) {
+        const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
+        if (statusSet) {
             Init();
             InitData();
         } else {
@@ -461,6 +506,10 @@ FileListResult frmWork::pbNeu_Click()
     } catch (const std::exception& e) {
         ui_.setBusy(false);
         ui_.showError("frmWork.pbNeu_Click", e.what());
+        if (storageFailed() || isDiskFailure(e)) {
+            Init();
+            InitData();
+        }
         return FileListResult::Failed;
     }
 }
@@ -469,6 +518,9 @@ FileListResult frmWork::pbNeu_Click()
 
 std::string frmWork::MakeArchive()
 {
+    // The archive is written into the project folder, which a read-only order leaves alone.
+    if (RefuseOrderChange(f_DBAuftrag, ui_))
+        return {};
     try {
         const std::string dbName = fileNamePart(f_DBAuftrag.DbPath());
         if (dbName.size() < 4)

@@ -39,6 +39,7 @@ enum class FileListResult {
     RoomsAlreadyRead, ///< scans of a room of the file are held already (also between the files of a rebuild)
     AlreadyAdded,     ///< a file of that name was added to the order before
     FileMissing,      ///< a file of the order is no longer at its place (rebuild)
+    ReadOnly,         ///< the order is open read-only (said so)
     Failed,           ///< an error was reported
 };
 
@@ -147,6 +148,10 @@ public:
     /// pbRemove is enabled only while the order has data files.
     bool pbRemoveEnabled = false;
 
+    /// True when the order is open read-only: every command that would change it is refused
+    /// with a message, and the reports are made in a private copy of the order.
+    bool readOnly() const { return f_DBAuftrag.isReadOnly(); }
+
     /// Called after Init refilled lvDateien, and after InitData refilled lvRooms.
     std::function<void()> onDateienChanged;
     std::function<void()> onRoomsChanged;
@@ -163,6 +168,16 @@ private:
     QGebDb& ensureGebDb();
     /// The five deletions of the derived data, then Init and InitData.
     void clearScanData();
+    /// True while a change could not be written to the disk and was undone as a whole (see
+    /// Database::storageFailed): the command stops; what it did is gone.
+    bool storageFailed() const;
+    /// Runs a report command of an order that is open read-only on a private copy of the order
+    /// and of the report database, made now; errors are shown under `label`.
+    void onPrivateCopy(const char* label, const std::function<void(frmWork&)>& command);
+
+    /// The private copy of the last report command of a read-only order, kept while its report may be shown.
+    struct PrivateCopy;
+    std::unique_ptr<PrivateCopy> privateCopy_;
 
     const Settings& settings_;
     UserInteraction& ui_;

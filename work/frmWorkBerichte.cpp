@@ -26,6 +26,8 @@ const ReportMenuEntry* entryOf(std::span<const ReportMenuEntry> menu, int index)
 
 void frmWork::mnuReportFkt_Click(int index)
 {
+    if (readOnly())
+        return onPrivateCopy("frmWork.mnuReportFkt_Click", [index](frmWork& copy) { copy.mnuReportFkt_Click(index); });
     try {
         ui_.setBusy(true);
         {
@@ -61,6 +63,8 @@ void frmWork::mnuReportFkt_Click(int index)
 
 void frmWork::mnuFehlerFkt_Click(int index)
 {
+    if (readOnly())
+        return onPrivateCopy("frmWork.mnuFehlerFkt_Click", [index](frmWork& copy) { copy.mnuFehlerFkt_Click(index); });
     try {
         ui_.setBusy(true);
         ReportDifferenzListe();

@@ -26,7 +26,8 @@ inline void check(bool ok, const CAuftragDb& db)
 
 /// One transaction over a procedure's writes to the order database. What was written
 /// stays also when the procedure stops on an error (it is committed then as well); only
-/// a process that dies on the way leaves the order as it was before the procedure.
+/// a process that dies on the way, or a disk that can't take the changes (see
+/// Database::storageFailed), leaves the order as it was before the procedure.
 class KeptTransaction {
 public:
     /// Begins the transaction; with no open database there is none (the calls then fail on their own).
@@ -54,6 +55,21 @@ public:
 
 private:
     std::optional<Database::Transaction> tx_;
+};
+
+/// A private copy of an order that is open read-only, with a private copy of the report
+/// database linked to it, in a folder of its own below the system's temporary folder: a
+/// report that first writes its lists into the order is made there, and the order itself is
+/// not touched. The folder goes with the object.
+struct frmWork::PrivateCopy {
+    explicit PrivateCopy(UserInteraction& ui) : db(ui) {}
+    ~PrivateCopy();
+    PrivateCopy(const PrivateCopy&) = delete;
+    PrivateCopy& operator=(const PrivateCopy&) = delete;
+
+    std::string folder;
+    Settings settings;
+    CAuftragDb db;
 };
 
 /// Progress of a long run (reading files, the evaluation); nested scopes share the outermost one.

@@ -93,6 +93,8 @@ frmWorkWindow::frmWorkWindow(CAuftragDb& db, Settings& settings, UserInteraction
     setObjectName(QStringLiteral("frmWork"));
     buildWindow();
     buildMenus();
+    if (form_.readOnly())
+        showReadOnly();
     form_.onDateienChanged = [this] { showDateien(); };
     form_.onRoomsChanged = [this] { showRooms(); };
 }
@@ -227,6 +229,20 @@ void frmWorkWindow::buildMenus()
         mnuFehlerFkt[e.index] = action;
         connect(action, &QAction::triggered, this, [this, i = e.index] { mnuFehlerFkt_Click(i); });
     }
+}
+
+void frmWorkWindow::showReadOnly()
+{
+    // Looking is all: the commands that would change the order are out of use; the room
+    // selection shows the rooms, and the reports are made in a private copy.
+    for (QPushButton* b : {pbAdd, pbRemove, pbNeu})
+        b->setEnabled(false);
+    mnuDateiFkt[workmenu::Archiv]->setEnabled(false);
+    lbNurAnsehen = new QLabel(QStringLiteral("Nur zum Ansehen geöffnet"), this);
+    lbNurAnsehen->setObjectName(QStringLiteral("lbNurAnsehen"));
+    lbNurAnsehen->setToolTip(QStringLiteral("Der Auftrag kann nicht geändert werden. Berichte werden in einer "
+                                            "eigenen Kopie des Auftrags erstellt."));
+    statusBar()->addWidget(lbNurAnsehen);
 }
 
 // ---------------------------------------------------------------- what the lists show

@@ -87,6 +87,8 @@ public:
     std::map<int, QAction*> mnuReportFkt;
     std::map<int, QAction*> mnuFehlerFkt;
     QLabel* lbCounts;
+    /// In the status bar while the order is open read-only.
+    QLabel* lbNurAnsehen = nullptr;
 
     /// Item data role of the list items' keys.
     static constexpr int KeyRole = Qt::UserRole;
@@ -100,6 +102,8 @@ protected:
 private:
     void buildWindow();
     void buildMenus();
+    /// Puts the commands that change the order out of use (an order open read-only).
+    void showReadOnly();
     /// Runs a command; activations while it runs (its own dialogs closing) refill nothing.
     template <class Command>
     void run(Command&& command);

@@ -21,7 +21,15 @@ inline constexpr int NumericOverflow = 3349;    ///< numeric field overflow
 inline constexpr int UpdateWithoutEdit = 3020;  ///< Update without AddNew or Edit
 inline constexpr int SyntaxError = 3075;        ///< statement the engine cannot run
 inline constexpr int General = 3000;            ///< anything else
+inline constexpr int DiskFull = 61;             ///< no room left on the disk
+inline constexpr int DiskOrNetwork = 3043;      ///< the disk or the network failed while reading or writing
 } // namespace dberr
+
+/// Descriptions of the errors of the disk itself.
+namespace dbtext {
+inline constexpr const char* DiskFull = "Datenträger voll";
+inline constexpr const char* DiskOrNetwork = "Datenträger- oder Netzwerkfehler.";
+} // namespace dbtext
 
 class DbError : public std::runtime_error {
 public:

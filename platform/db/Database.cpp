@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <sqlite3.h>
 
 namespace qi {
@@ -56,10 +57,12 @@ void startEngine()
 void configure(sqlite3* raw)
 {
     registerJetCollation(raw);
-    sqlite3_busy_timeout(raw, 2000);
     sqlite3_extended_result_codes(raw, 1);
-    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL", nullptr,
+    // Set before the wait: a file another program keeps locked keeps the engine's own journal
+    // setting (the same) rather than making the user wait twice.
+    sqlite3_exec(raw, "PRAGMA cache_size = -16384; PRAGMA synchronous = FULL; PRAGMA journal_mode = DELETE", nullptr,
                  nullptr, nullptr);
+    sqlite3_busy_timeout(raw, 2000);
 }
 
 Value parseDefault(const unsigned char* text)
@@ -126,6 +129,8 @@ void Statement::bindAll(const std::vector<Value>& params)
 
 bool Statement::step()
 {
+    if (!sqlite3_stmt_readonly(stmt_))
+        db_.refuseAfterStorageFailure();
     const int rc = sqlite3_step(stmt_);
     if (rc == SQLITE_ROW)
         return true;
@@ -133,6 +138,7 @@ bool Statement::step()
         return false;
     DbError e = db_.errorFor(rc, sqlite3_sql(stmt_));
     sqlite3_reset(stmt_);
+    db_.noteFailure(rc, e);
     throw e;
 }
 
@@ -249,6 +255,10 @@ std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
     const std::string native = nativePath(path);
     if (path.empty() || !fileExists(path))
         throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht gefunden werden.");
+    // The engine would take an empty file for a new database and write one into it.
+    std::error_code ec;
+    if (std::filesystem::file_size(std::filesystem::u8path(native), ec) == 0 && !ec)
+        throw DbError(dberr::UnrecognizedFormat, "Die Datei '" + displayPath(path) + "' ist leer.");
     startEngine();
     sqlite3* raw = nullptr;
     const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
@@ -257,11 +267,61 @@ std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
     if (rc != SQLITE_OK)
         throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht geöffnet werden.");
     configure(raw);
-    // Reading the schema tells a database file from any other file.
+    // Reading the schema tells a database file from any other file (and puts back what a
+    // program that died while changing the file left half-written).
     const int check = sqlite3_exec(raw, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
-    if (check != SQLITE_OK)
+    if (check != SQLITE_OK) {
+        const int primary = check & 0xff;
+        if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED || primary == SQLITE_READONLY ||
+            primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN)
+            throw db->errorFor(check);
+        // A file that was cut short says so rather than being taken for no database at all.
+        db->checkComplete();
         throw DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + displayPath(path) + "'.");
+    }
+    db->checkComplete();
     return db;
+}
+
+void Database::checkComplete()
+{
+    // A file shorter than its header says was cut off (a copy that stopped, a full disk). The
+    // header is read through the engine's own handle of the file: a handle of our own, closed
+    // again, would drop the locks the engine holds on it. Both are read while the file is read
+    // by this connection, so that no program extends it meanwhile.
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(db_, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file || !file->pMethods)
+        return;
+    const int rc = sqlite3_exec(db_, "BEGIN; SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr);
+    const bool reading = rc == SQLITE_OK;
+    if ((rc & 0xff) == SQLITE_BUSY || (rc & 0xff) == SQLITE_LOCKED) {
+        // Another program is writing the file right now: its size says nothing.
+        if (!sqlite3_get_autocommit(db_))
+            sqlite3_exec(db_, "COMMIT", nullptr, nullptr, nullptr);
+        return;
+    }
+    unsigned char header[100] = {};
+    sqlite3_int64 bytes = 0;
+    const bool read = file->pMethods->xRead(file, header, sizeof header, 0) == SQLITE_OK &&
+                      file->pMethods->xFileSize(file, &bytes) == SQLITE_OK;
+    if (reading || !sqlite3_get_autocommit(db_))
+        sqlite3_exec(db_, "COMMIT", nullptr, nullptr, nullptr);
+    if (!read || std::string_view(reinterpret_cast<const char*>(header), 16) != std::string_view("SQLite format 3\0", 16))
+        return;
+    const auto be32 = [&header](int at) {
+        return std::uint32_t(header[at]) << 24 | std::uint32_t(header[at + 1]) << 16 |
+               std::uint32_t(header[at + 2]) << 8 | std::uint32_t(header[at + 3]);
+    };
+    std::uint64_t pageSize = std::uint64_t(header[16]) << 8 | header[17];
+    if (pageSize == 1)
+        pageSize = 65536;
+    // The size in the header counts only when the file's change counter says it is current.
+    const std::uint32_t pages = be32(28);
+    if (pages == 0 || be32(24) != be32(92))
+        return;
+    if (pages * pageSize > std::uint64_t(bytes))
+        throw DbError(dberr::UnrecognizedFormat,
+                      "Die Datei '" + displayPath(path_) + "' ist beschädigt: sie ist unvollständig.");
 }
 
 std::unique_ptr<Database> Database::create(const std::string& path)
@@ -279,9 +339,41 @@ std::unique_ptr<Database> Database::create(const std::string& path)
     return db;
 }
 
+std::unique_ptr<Database> Database::inMemory()
+{
+    startEngine();
+    sqlite3* raw = nullptr;
+    const int rc = sqlite3_open_v2(":memory:", &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    std::unique_ptr<Database> db(new Database(raw, ":memory:", false));
+    if (rc != SQLITE_OK)
+        throw db->errorFor(rc);
+    configure(raw);
+    return db;
+}
+
 DbError Database::errorFor(int rc, std::string_view sql) const
 {
     const std::string message = sqlite3_errmsg(db_);
+    switch (rc & 0xff) {
+    case SQLITE_FULL:
+        return DbError(dberr::DiskFull, dbtext::DiskFull);
+    case SQLITE_IOERR:
+        return DbError(dberr::DiskOrNetwork, dbtext::DiskOrNetwork);
+    case SQLITE_CANTOPEN:
+        return DbError(dberr::FileNotFound, "Auf die Datei '" + displayPath(path_) + "' kann nicht zugegriffen werden.");
+    case SQLITE_READONLY:
+        if (rc == SQLITE_READONLY_ROLLBACK || rc == SQLITE_READONLY_RECOVERY)
+            return DbError(dberr::ReadOnly, "Die Datei '" + displayPath(path_) +
+                                                "' wurde bei einer Änderung unterbrochen und kann nur von einem "
+                                                "Programm, das sie ändern darf, wiederhergestellt werden.");
+        return DbError(dberr::ReadOnly, "Aktualisieren nicht möglich. Die Datei '" + displayPath(path_) +
+                                            "' ist schreibgeschützt.");
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return DbError(dberr::Locked, "Die Datei '" + displayPath(path_) + "' ist bereits in Verwendung.");
+    default:
+        break;
+    }
     switch (rc) {
     case SQLITE_CONSTRAINT_UNIQUE:
     case SQLITE_CONSTRAINT_PRIMARYKEY:
@@ -293,13 +385,6 @@ DbError Database::errorFor(int rc, std::string_view sql) const
                        "oder definieren Sie den Index neu, damit doppelte Einträge möglich sind, und versuchen Sie es erneut.");
     case SQLITE_CONSTRAINT_CHECK:
         return DbError(dberr::NumericOverflow, "Numerischer Feldüberlauf.");
-    case SQLITE_READONLY:
-    case SQLITE_READONLY_DBMOVED:
-        return DbError(dberr::ReadOnly,
-                       "Aktualisieren nicht möglich. Datenbank oder Objekt ist schreibgeschützt.");
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return DbError(dberr::Locked, "Die Datei '" + displayPath(path_) + "' ist bereits in Verwendung.");
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
         return DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + displayPath(path_) + "'.");
@@ -361,14 +446,65 @@ std::int64_t Database::execute(std::string_view sql, const std::vector<Value>& p
 
 void Database::executeScript(std::string_view sql)
 {
+    refuseAfterStorageFailure();
     statements_.clear();
     tables_.clear();
     char* err = nullptr;
     const std::string text(sql);
     const int rc = sqlite3_exec(db_, text.c_str(), nullptr, nullptr, &err);
     sqlite3_free(err);
-    if (rc != SQLITE_OK)
-        throw errorFor(rc, sql);
+    if (rc != SQLITE_OK) {
+        DbError e = errorFor(rc, sql);
+        noteFailure(rc, e);
+        throw e;
+    }
+}
+
+void Database::noteFailure(int rc, const DbError& error)
+{
+    const int primary = rc & 0xff;
+    if (primary != SQLITE_FULL && primary != SQLITE_IOERR)
+        return;
+    // A statement outside any guard was undone by the engine itself. Inside a guard, what the
+    // transaction holds can't be kept: it goes as a whole, now, before anything else runs.
+    if (transactionDepth_ == 0 || storageFailure_)
+        return;
+    if (!sqlite3_get_autocommit(db_))
+        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    storageFailure_ = error;
+}
+
+void Database::refuseAfterStorageFailure() const
+{
+    if (storageFailure_)
+        throw *storageFailure_;
+}
+
+void Database::copyTo(const std::string& path)
+{
+    sqlite3* target = nullptr;
+    removeFile(path);
+    int rc = sqlite3_open_v2(nativePath(path).c_str(), &target,
+                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    if (rc == SQLITE_OK) {
+        sqlite3_backup* backup = sqlite3_backup_init(target, "main", db_, "main");
+        if (!backup) {
+            rc = sqlite3_errcode(target);
+        } else {
+            // All pages in one step: the source is read under one lock, so the copy is one state of it.
+            const int step = sqlite3_backup_step(backup, -1);
+            const int finish = sqlite3_backup_finish(backup);
+            rc = step == SQLITE_DONE ? finish : step;
+        }
+    }
+    sqlite3_close_v2(target);
+    if (rc != SQLITE_OK) {
+        removeFile(path);
+        const int primary = rc & 0xff;
+        if (primary == SQLITE_FULL || primary == SQLITE_IOERR || primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+            throw errorFor(rc);
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(path) + "' konnte nicht angelegt werden.");
+    }
 }
 
 Recordset Database::query(std::string_view sql, const std::vector<Value>& params)
@@ -496,9 +632,13 @@ void Database::consumeAutoNumber(const TableInfo& table, std::int64_t key)
 Database::Transaction::Transaction(Database& db)
     : db_(db), name_("qi_tx" + std::to_string(++db.savepointCounter_))
 {
-    const int rc = sqlite3_exec(db_.db_, ("SAVEPOINT " + name_).c_str(), nullptr, nullptr, nullptr);
-    if (rc != SQLITE_OK)
-        throw db_.errorFor(rc);
+    // After a failure of the disk no transaction begins: the guard only counts, changes are refused.
+    if (!db_.storageFailure_) {
+        const int rc = sqlite3_exec(db_.db_, ("SAVEPOINT " + name_).c_str(), nullptr, nullptr, nullptr);
+        if (rc != SQLITE_OK)
+            throw db_.errorFor(rc);
+    }
+    ++db_.transactionDepth_;
 }
 
 Database::Transaction::~Transaction()
@@ -511,24 +651,45 @@ Database::Transaction::~Transaction()
     }
 }
 
+void Database::Transaction::end()
+{
+    open_ = false;
+    if (--db_.transactionDepth_ == 0)
+        db_.storageFailure_.reset();
+}
+
 void Database::Transaction::commit()
 {
     if (!open_)
         return;
-    open_ = false;
+    if (db_.storageFailure_) {
+        const DbError failure = *db_.storageFailure_;
+        end();
+        throw failure;
+    }
     char* err = nullptr;
     const int rc = sqlite3_exec(db_.db_, ("RELEASE " + name_).c_str(), nullptr, nullptr, &err);
     sqlite3_free(err);
-    if (rc != SQLITE_OK)
-        throw db_.errorFor(rc);
+    if (rc != SQLITE_OK) {
+        const DbError failure = db_.errorFor(rc);
+        // A transaction that can't be written goes as a whole; the connection is left without one.
+        if (db_.transactionDepth_ == 1 && !sqlite3_get_autocommit(db_.db_))
+            sqlite3_exec(db_.db_, "ROLLBACK", nullptr, nullptr, nullptr);
+        else
+            db_.noteFailure(rc, failure);
+        end();
+        throw failure;
+    }
+    end();
 }
 
 void Database::Transaction::rollback()
 {
     if (!open_)
         return;
-    open_ = false;
-    sqlite3_exec(db_.db_, ("ROLLBACK TO " + name_ + "; RELEASE " + name_).c_str(), nullptr, nullptr, nullptr);
+    if (!db_.storageFailure_)
+        sqlite3_exec(db_.db_, ("ROLLBACK TO " + name_ + "; RELEASE " + name_).c_str(), nullptr, nullptr, nullptr);
+    end();
 }
 
 } // namespace qi

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <functional>
 #include <string_view>
@@ -110,10 +111,14 @@ struct TableInfo {
 /// One open database file.
 class Database {
 public:
-    /// Opens an existing file; a missing file is refused (DbError 3024) and nothing is created.
+    /// Opens an existing file; nothing is created. Refused with DbError: a missing file (3024), an
+    /// empty file, a file that is no database or is shorter than its own header says (3343), a file
+    /// another program keeps locked (3260).
     static std::unique_ptr<Database> open(const std::string& path, bool readOnly = false);
     /// Creates a new, empty file (an existing file is replaced).
     static std::unique_ptr<Database> create(const std::string& path);
+    /// A new, empty database that lives in memory only.
+    static std::unique_ptr<Database> inMemory();
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -148,9 +153,21 @@ public:
     /// Builds the DbError for an SQLite result code on this connection.
     DbError errorFor(int rc, std::string_view sql = {}) const;
 
+    /// Writes a copy of the database to `path` (a file there is replaced), taken from one
+    /// consistent state of the file, also while another program changes it. DbError on failure;
+    /// a copy that was begun is removed then.
+    void copyTo(const std::string& path);
+
+    /// True once the file could not be written inside a transaction (a full disk, a disk or
+    /// network error): the transaction was rolled back as a whole at once, and every change is
+    /// refused with the same error until the outermost transaction guard has ended. The work of
+    /// the guards is lost; the file stays as it was before them.
+    bool storageFailed() const { return storageFailure_.has_value(); }
+
     sqlite3* handle() { return db_; }
 
-    /// RAII transaction (a savepoint, so guards nest): rolled back unless committed.
+    /// RAII transaction (a savepoint, so guards nest): rolled back unless committed. A commit that
+    /// fails rolls the whole transaction back and throws: nothing of it stays half-written.
     class Transaction {
     public:
         explicit Transaction(Database& db);
@@ -161,17 +178,29 @@ public:
         void rollback();
 
     private:
+        /// The guard has ended; the last one to end forgets a failure of the disk.
+        void end();
         Database& db_;
         std::string name_;
         bool open_ = true;
     };
 
 private:
+    friend class Statement;
     Database(sqlite3* db, std::string path, bool readOnly);
+    /// After a failed step: a failure of the disk inside a transaction rolls the transaction back.
+    void noteFailure(int rc, const DbError& error);
+    /// Raises the disk's failure when a change is asked for after it.
+    void refuseAfterStorageFailure() const;
+    /// Refuses a file that is shorter than its own header says.
+    void checkComplete();
     sqlite3* db_;
     std::string path_;
     bool readOnly_;
     int savepointCounter_ = 0;
+    /// Transaction guards open on this connection.
+    int transactionDepth_ = 0;
+    std::optional<DbError> storageFailure_;
     /// Hashes a statement's text without copying it.
     struct TextHash {
         using is_transparent = void;

@@ -1,5 +1,6 @@
 #include "LinkedDatabase.h"
 
+#include "DatabaseStructure.h"
 #include "FileSystem.h"
 
 #include <algorithm>
@@ -131,7 +132,12 @@ void LinkedDatabase::createSchema(Database& db)
 
 std::unique_ptr<LinkedDatabase> LinkedDatabase::open(const std::string& path)
 {
-    return std::unique_ptr<LinkedDatabase>(new LinkedDatabase(Database::open(path)));
+    auto db = Database::open(path);
+    static const Structure expected = structureMadeBy(createSchema);
+    if (const std::string missing = missingStructure(*db, expected); !missing.empty())
+        throw DbError(dberr::UnrecognizedFormat,
+                      "Die Datei '" + displayPath(path) + "' ist keine Datenbank mit Tabellenverknüpfungen: " + missing + ".");
+    return std::unique_ptr<LinkedDatabase>(new LinkedDatabase(std::move(db)));
 }
 
 std::vector<TableLink> LinkedDatabase::links()
@@ -178,7 +184,7 @@ void LinkedDatabase::checkSource(const TableLink& link)
     if (!source->tableExists(link.sourceTable))
         throw DbError(linkerr::ObjectNotFound,
                       "Das Objekt '" + link.sourceTable + "' wurde in der Datenbank '" +
-                          (file.empty() ? odbcSource(link.connect) : file) +
+                          (file.empty() ? odbcSource(link.connect) : displayPath(file)) +
                           "' nicht gefunden. Stellen Sie sicher, dass das Objekt existiert und dass Sie den Namen "
                           "richtig geschrieben haben.");
 }

@@ -79,7 +79,8 @@ class LinkedDatabase {
 public:
     /// Creates the tables that hold the links and stored queries in a new database.
     static void createSchema(Database& db);
-    /// Opens an existing linked database; DbError 3024 when the file is missing.
+    /// Opens an existing linked database; DbError 3024 when the file is missing, 3343 when it is no
+    /// database or lacks the tables of the links and queries (the message names what is missing).
     static std::unique_ptr<LinkedDatabase> open(const std::string& path);
 
     const std::string& path() const { return db_->path(); }

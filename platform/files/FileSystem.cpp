@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <filesystem>
 #include <system_error>
+#include <unistd.h>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -80,6 +81,11 @@ bool folderExists(const std::string& path)
 {
     std::error_code ec;
     return !path.empty() && fs::is_directory(fs::u8path(nativePath(path)), ec);
+}
+
+bool canWrite(const std::string& path)
+{
+    return !path.empty() && access(nativePath(path).c_str(), W_OK) == 0;
 }
 
 int countFiles(const std::string& folder)

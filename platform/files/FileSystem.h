@@ -23,6 +23,9 @@ std::string resolvePath(const std::string& folder, const std::string& path);
 
 bool fileExists(const std::string& path);   ///< a regular file
 bool folderExists(const std::string& path); ///< a directory
+/// True when this program may write the file, or create and delete files in the folder: the
+/// system's answer for this user (a read-only disk or share, a write-protected file answer false).
+bool canWrite(const std::string& path);
 /// Number of regular files directly in a folder; -1 when the folder can't be read.
 int countFiles(const std::string& folder);
 /// Creates one folder; false on failure.

@@ -6,7 +6,6 @@
 #include <QSysInfo>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <map>
@@ -47,6 +46,28 @@ std::string readAll(int fd)
     for (ssize_t n; (n = read(fd, buf, sizeof buf)) > 0 && out.size() < 4096;)
         out.append(buf, std::size_t(n));
     return out;
+}
+
+/// Why the lock file can't be opened for writing, for the user.
+std::string reasonFor(int error)
+{
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return "im Projektordner darf nicht geschrieben werden";
+    case EROFS:
+        return "der Projektordner liegt auf einem schreibgeschützten Laufwerk";
+    case ENOENT:
+    case ENOTDIR:
+        return "der Projektordner ist nicht vorhanden";
+    case ENOSPC:
+    case EDQUOT:
+        return "der Datenträger ist voll";
+    case EISDIR:
+        return std::string("an der Stelle der Sperrdatei ") + ProjectLock::kFileName + " steht ein Ordner";
+    default:
+        return "Systemfehler " + std::to_string(error);
+    }
 }
 
 LockOwner parse(const std::string& text)
@@ -124,7 +145,7 @@ ProjectLock::ProjectLock(const std::string& projectFolder)
         }
         if (fd >= 0)
             close(fd);
-        problem_ = std::strerror(openError);
+        problem_ = reasonFor(openError);
         return;
     }
     if (!lockWhole(fd)) {

@@ -36,7 +36,8 @@ public:
     /// When the lock is held by another program: who holds it (empty texts when the
     /// holder has not written its name yet).
     const LockOwner& owner() const { return owner_; }
-    /// When the lock could not be asked at all (a read-only folder, a missing folder): why.
+    /// When the lock could not be asked at all (a read-only folder, a missing folder): why, as a
+    /// German phrase ("im Projektordner darf nicht geschrieben werden").
     const std::string& problem() const { return problem_; }
 
     /// The user's message when someone else holds the project or it can't be locked.

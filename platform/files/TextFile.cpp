@@ -4,6 +4,7 @@
 #include "FileSystem.h"
 
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <unordered_map>
@@ -224,6 +225,18 @@ bool TextFileReader::readLine(std::string& line)
 
 // ---------------------------------------------------------------- writer
 
+namespace {
+/// The error of a write that failed with the system's error number `error`.
+DbError writeError(int error)
+{
+    if (error == ENOSPC || error == EDQUOT)
+        return DbError(dberr::DiskFull, dbtext::DiskFull);
+    if (error == EIO)
+        return DbError(dberr::DiskOrNetwork, dbtext::DiskOrNetwork);
+    return DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+}
+} // namespace
+
 TextFileWriter::TextFileWriter(const std::string& path)
 {
     file_ = std::fopen(nativePath(path).c_str(), "wb");
@@ -243,18 +256,20 @@ void TextFileWriter::writeLine(std::string_view utf8)
         throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
     std::string bytes = toWindows1252(utf8);
     bytes += "\r\n";
+    errno = 0;
     if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
-        throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+        throw writeError(errno);
 }
 
 void TextFileWriter::close()
 {
     if (!file_)
         return;
+    errno = 0;
     const int rc = std::fclose(file_);
     file_ = nullptr;
     if (rc != 0)
-        throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+        throw writeError(errno);
 }
 
 } // namespace qi

@@ -61,9 +61,10 @@ public:
     TextFileWriter(const TextFileWriter&) = delete;
     TextFileWriter& operator=(const TextFileWriter&) = delete;
 
-    /// Writes the text and CR LF; DbError 75 on a write failure.
+    /// Writes the text and CR LF; DbError 75 on a write failure, 61 "Datenträger voll" when
+    /// the disk is full, 3043 on a failure of the disk itself.
     void writeLine(std::string_view utf8);
-    /// Flushes and closes; DbError 75 when that fails. Called by the destructor otherwise.
+    /// Flushes and closes; DbError as writeLine when that fails. Called by the destructor otherwise.
     void close();
 
 private:

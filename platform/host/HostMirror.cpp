@@ -178,7 +178,7 @@ std::string HostMirror::identity(const HostSource& source) const
     const auto size = fs::file_size(file, ec);
     const auto changed = fs::last_write_time(file, ec);
     if (ec || !fileExists(source.location))
-        throw DbError(dberr::FileNotFound, "Die Datei '" + source.location + "' konnte nicht gefunden werden.");
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(source.location) + "' konnte nicht gefunden werden.");
     return key + "|" + std::to_string(size) + "|" + std::to_string(changed.time_since_epoch().count());
 }
 
@@ -210,8 +210,11 @@ void HostMirror::build(const HostSource& source, const std::string& target, cons
             buildFromJet(source.location, temporary, id);
         else if (isSqliteFile(source.location))
             buildFromSqlite(source.location, temporary, id);
+        else if (std::error_code none; fs::file_size(fs::u8path(nativePath(source.location)), none) == 0 && !none)
+            throw DbError(dberr::UnrecognizedFormat, "Die Datei '" + displayPath(source.location) + "' ist leer.");
         else
-            throw DbError(dberr::UnrecognizedFormat, "Nicht erkanntes Datenbankformat '" + source.location + "'.");
+            throw DbError(dberr::UnrecognizedFormat,
+                          "Nicht erkanntes Datenbankformat '" + displayPath(source.location) + "'.");
         fs::rename(fs::u8path(temporary), fs::u8path(target), ec);
         if (ec)
             throw DbError(dberr::General, "Der Spiegel '" + target + "' kann nicht geschrieben werden.\r\n" +

@@ -206,7 +206,7 @@ int jetFileVersion(const std::string& path)
 
 std::string jetUnreadableMessage(const std::string& path)
 {
-    return "Die Jet-Datenbank '" + path + "' kann nicht gelesen werden. Sie ist beschädigt oder hat ein unbekanntes "
+    return "Die Jet-Datenbank '" + displayPath(path) + "' kann nicht gelesen werden. Sie ist beschädigt oder hat ein unbekanntes "
                                           "Format.";
 }
 

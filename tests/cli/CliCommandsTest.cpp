@@ -6,6 +6,8 @@
 
 #include "FileSystem.h"
 #include "OrderName.h"
+#include "ProjectAccess.h"
+#include "ProjectLock.h"
 #include "TextFile.h"
 
 #include <filesystem>
@@ -461,6 +463,41 @@ TEST_F(CliCommandsTest, TheArchiveHoldsEveryScanLine)
     for (const Value& v : first.rows()[0])
         line += (line.empty() ? "" : ",") + toText(v);
     EXPECT_EQ(text.substr(0, text.find("\r\n")), line);
+}
+
+// ---------------------------------------------------------------- a project another program holds
+
+TEST_F(CliCommandsTest, AProjectAnotherProgramHoldsIsOnlyReadAndEveryChangeIsExitCodeFifteen)
+{
+    prepareOrder("Nord");
+    const ProjectLock other(demoDir); // the windows working on the project
+    ASSERT_TRUE(other.held());
+    const auto before = treeDigest(demoDir);
+    const std::string told = "[Quarn-Inventur] Das Projekt wird bereits von ";
+    const std::string refusedProject = "[Quarn-Inventur] " + std::string(accessmsg::ProjectReadOnly) + "\n";
+    const std::string refusedOrder = "[Quarn-Inventur] " + std::string(accessmsg::OrderReadOnly) + "\n";
+
+    // Looking works, with the one notice.
+    CliRun r = expectCli(0, {"auftraege"});
+    EXPECT_EQ(r.err.rfind(told, 0), 0u) << r.err;
+    EXPECT_NE(r.out.find("Nord\t"), std::string::npos);
+    r = expectCli(0, {"raeume", "Nord"});
+    EXPECT_EQ(r.out.substr(0, r.out.find('\n')), "Raum\tStatus\tDatum\tAnzahl\tDatei");
+
+    r = expectCli(15, {"anlegen", "Süd"});
+    EXPECT_EQ(r.err.substr(r.err.find('\n') + 1), refusedProject);
+    r = expectCli(15, {"loeschen", "Nord"});
+    EXPECT_EQ(r.err.substr(r.err.find('\n') + 1), refusedProject);
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"hinzufuegen", "Nord", scanFile("Scan_EG_Teil1.dat")},
+          std::vector<std::string>{"entfernen", "Nord", "Scan_EG_Teil1.dat"},
+          std::vector<std::string>{"neu-einlesen", "Nord"}, std::vector<std::string>{"auswerten", "Nord"},
+          std::vector<std::string>{"archiv", "Nord"}, std::vector<std::string>{"raeume", "Nord", "--setzen", "--alle"}}) {
+        r = expectCli(15, command);
+        EXPECT_EQ(r.err.substr(r.err.find('\n') + 1), refusedOrder) << command[0];
+        EXPECT_EQ(r.out, "") << command[0];
+    }
+    EXPECT_EQ(treeDigest(demoDir), before);
 }
 
 // ---------------------------------------------------------------- progress

@@ -155,9 +155,11 @@ TEST_F(CliReportTest, TheDifferenceListShowsEveryExpectedObjectAndEveryScanQuarn
                "Kostenstelle;Gefunden in;Gehört in;Raum lt. Quarn;Datum;Uhrzeit;Bemerkung",
                expected);
     // Scans Quarn does not know are no rows of this list.
-    for (const DiffRow& d : evaluated)
-        if (d.typ == "2c Nicht in Quarn erfasst")
+    for (const DiffRow& d : evaluated) {
+        if (d.typ == "2c Nicht in Quarn erfasst") {
             EXPECT_EQ(object(d.ist), nullptr) << d.ist;
+        }
+    }
 }
 
 TEST_F(CliReportTest, NewInventoryIsEveryScanWithoutExpectationOrSourceRoom)

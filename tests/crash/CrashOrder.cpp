@@ -9,8 +9,10 @@
 #include "ReportLinks.h"
 #include "ScriptedUserInteraction.h"
 #include "Settings.h"
+#include "frmRaum.h"
 #include "frmWork.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -90,7 +92,8 @@ void prepareCrashOrder(const CrashOrder& o)
     {
         auto db = Database::create(o.order);
         createOrderSchema(*db);
-        db->execute("INSERT INTO T_Auftrag (stAuftrag) VALUES ('A1')");
+        // The order's own name, as a new order gets it.
+        db->execute("INSERT INTO T_Auftrag (stAuftrag) VALUES (?1)", {std::string("A1")});
     }
     {
         // The project's register naming the order, and the empty order database new orders copy.
@@ -141,10 +144,40 @@ void prepareCrashOrder(const CrashOrder& o)
     writeScanFile(inst, kNewFileFirstRoom, kOrderRooms, "09.03.2025", o.newFile());
 }
 
+namespace {
+
+/// The room selection of the order as a person uses it: the installation's last twenty rooms in,
+/// every tenth room of the order out, one room marked, then the window is closed (which saves).
+bool saveChangedRooms(CAuftragDb& db, Settings& settings, UserInteraction& ui)
+{
+    QGebDb geb;
+    if (!geb.Open(settings.gstAppPfad, settings.buildingDatabase()))
+        return false;
+    frmRaum r(db, &geb, settings, ui);
+    r.Form_Load();
+    r.Form_Activate();
+    r.cbAllRooms = true;
+    r.cbAllRooms_Click();
+    if (r.lbRooms.size() < 20)
+        return false;
+    for (std::size_t i = 0; i < 20; ++i)
+        r.lbRooms[r.lbRooms.size() - 1 - i].selected = true;
+    r.pbIn_Click();
+    for (std::size_t i = 0; i < r.lvRooms.size(); i += 10)
+        r.lvRooms[i].selected = true;
+    r.pbOut_Click();
+    r.lvRoomsSelectedKey = r.lvRooms.back().key;
+    r.lvRooms_DblClick();
+    r.Form_Unload();
+    return true;
+}
+
+} // namespace
+
 bool runCrashOperation(const CrashOrder& o, const std::string& operation)
 {
     ScriptedUserInteraction ui;
-    const Settings settings = settingsOf(o);
+    Settings settings = settingsOf(o);
     if (operation == "anlegen" || operation == "loeschen") {
         CInventurDb reg;
         reg.setDbPath(o.registry);
@@ -189,14 +222,18 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
         {"auswerten", [&] { return w.ReportDifferenzListe(); }},
         {"artikel", [&] { return w.MakeArtikelAufstellung(); }},
         {"inventur", [&] { return w.MakeInvListe(); }},
+        {"raeume", [&] { return saveChangedRooms(db, settings, ui); }},
     };
     const auto op = operations.find(operation);
     if (op == operations.end() || !op->second())
         return false;
+    bool ok = true;
     for (const RecordedMessage& m : ui.messages)
-        if (m.icon == MsgIcon::Critical || m.title == "Problem")
-            return false;
-    return true;
+        if (m.icon == MsgIcon::Critical || m.title == "Problem") {
+            std::fprintf(stderr, "%s: %s\n", m.title.c_str(), m.text.c_str());
+            ok = false;
+        }
+    return ok;
 }
 
 } // namespace qi::test

@@ -25,9 +25,10 @@ void prepareCrashOrder(const CrashOrder& o);
 
 /// The operations the harness kills, by name: "hinzufuegen" (add a file of 10,000 lines),
 /// "entfernen" (remove a file and rebuild), "neu" (rebuild), "auswerten" (evaluation),
-/// "artikel" (article tally), "inventur" (inventory list) on the order; "anlegen" (create
-/// the order kNewOrder) and "loeschen" (delete the order "A1") on the project. Runs one to
-/// its end; false when the name is unknown or the operation reported a failure.
+/// "artikel" (article tally), "inventur" (inventory list), "raeume" (the room selection takes
+/// rooms in and out and saves) on the order; "anlegen" (create the order kNewOrder) and
+/// "loeschen" (delete the order "A1") on the project. Runs one to its end; false when the
+/// name is unknown or the operation reported a failure.
 /// The order that "anlegen" creates.
 inline constexpr const char* kNewOrder = "B2";
 

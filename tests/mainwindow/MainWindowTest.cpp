@@ -602,7 +602,7 @@ TEST_F(MainWindowTest, FailingListReadIsReported)
 TEST_F(MainWindowTest, FailingRegisterInsertIsReported)
 {
     load();
-    Database::create(root.file("leer.mdb")); // a database without T_Auftrag
+    Database::create(root.file("leer.mdb"))->executeScript("CREATE TABLE T_Andere (a)"); // no T_Auftrag
     window->inventurDb()->setDbPath(root.file("leer.mdb"));
     ASSERT_TRUE(window->inventurDb()->OpenDb());
     newOrder("Alpha");

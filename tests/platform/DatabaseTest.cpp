@@ -188,6 +188,7 @@ TEST_F(DatabaseTest, ReadOnlyRefusesChanges)
         FAIL();
     } catch (const DbError& e) {
         EXPECT_EQ(e.number(), dberr::ReadOnly);
+        EXPECT_EQ(e.description(), "Aktualisieren nicht möglich. Die Datei '" + displayPath(path) + "' ist schreibgeschützt.");
     }
 }
 
@@ -202,4 +203,160 @@ TEST_F(DatabaseTest, WalkingATableGoesInKeyOrder)
         seen += toText(rs.field("stName"));
     EXPECT_EQ(seen, "cab");
     EXPECT_EQ(rs.recordCount(), 3u);
+}
+
+// ---------------------------------------------------------------- files that are no good
+
+TEST_F(DatabaseTest, AnEmptyFileIsRefusedAndStaysEmpty)
+{
+    const std::string empty = dir.file("leer.mdb");
+    test::writeFile(empty, "");
+    try {
+        Database::open(empty);
+        FAIL();
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::UnrecognizedFormat);
+        EXPECT_EQ(e.description(), "Die Datei '" + displayPath(empty) + "' ist leer.");
+    }
+    EXPECT_EQ(test::readFile(empty), "");
+}
+
+TEST_F(DatabaseTest, AFileCutShortIsRefusedAsIncomplete)
+{
+    {
+        auto db = open();
+        Database::Transaction tx(*db);
+        for (int i = 0; i < 400; ++i)
+            db->execute("INSERT INTO T_X(stName) VALUES (?1)", {std::string(200, char('a' + i % 26)) + std::to_string(i)});
+        tx.commit();
+    }
+    const std::string whole = test::readFile(path);
+    ASSERT_GT(whole.size(), 40000u);
+    const std::string cut = whole.substr(0, whole.size() / 2);
+    test::writeFile(path, cut);
+    try {
+        Database::open(path);
+        FAIL();
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::UnrecognizedFormat);
+        EXPECT_EQ(e.description(), "Die Datei '" + displayPath(path) + "' ist beschädigt: sie ist unvollständig.");
+    }
+    EXPECT_EQ(test::readFile(path), cut);
+}
+
+TEST_F(DatabaseTest, AFileAnotherProgramKeepsLockedIsInUse)
+{
+    auto writer = open();
+    writer->executeScript("BEGIN EXCLUSIVE");
+    writer->execute("INSERT INTO T_X(stName) VALUES ('x')");
+    try {
+        Database::open(path);
+        FAIL();
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::Locked);
+        EXPECT_EQ(e.description(), "Die Datei '" + displayPath(path) + "' ist bereits in Verwendung.");
+    }
+    writer->executeScript("ROLLBACK");
+}
+
+TEST_F(DatabaseTest, ACopyHoldsTheLastCommittedStateWhileAnotherConnectionWrites)
+{
+    auto db = open();
+    db->execute("INSERT INTO T_X(stName) VALUES ('fest')");
+    auto writer = open();
+    Database::Transaction tx(*writer);
+    writer->execute("INSERT INTO T_X(stName) VALUES ('offen')");
+    const std::string copy = dir.file("kopie.mdb");
+    test::writeFile(copy, "alt");
+    Database::open(path, true)->copyTo(copy);
+    tx.rollback();
+    auto copied = Database::open(copy, true);
+    const Recordset rows = copied->query("SELECT stName FROM T_X");
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(toText(rows.rows()[0][0]), "fest");
+    // The copy compares as the original does.
+    EXPECT_EQ(toLong(copied->scalar("SELECT count(*) FROM T_X WHERE stName = 'FEST  '")), 1);
+}
+
+// ---------------------------------------------------------------- a disk that can't take the changes
+
+class FullDiskTest : public DatabaseTest {
+protected:
+    void SetUp() override
+    {
+        DatabaseTest::SetUp();
+        db = open();
+        db->execute("INSERT INTO T_X(stName) VALUES ('vorher')");
+        // The file may not grow past its pages now: the next pages are a full disk to the engine.
+        const auto pages = toLong(db->scalar("PRAGMA page_count"));
+        db->scalar("PRAGMA max_page_count = " + std::to_string(pages + 2));
+    }
+    void fill() { db->execute("INSERT INTO T_X(stName) VALUES (?1)", {std::string(20000, 'x')}); }
+    std::int64_t rows() { return toLong(db->scalar("SELECT count(*) FROM T_X")); }
+    std::unique_ptr<Database> db;
+};
+
+TEST_F(FullDiskTest, AChangeTheDiskCantTakeUndoesTheWholeTransaction)
+{
+    {
+        Database::Transaction outer(*db);
+        db->execute("INSERT INTO T_X(stName) VALUES ('erste')");
+        Database::Transaction inner(*db);
+        db->execute("INSERT INTO T_X(stName) VALUES ('zweite')");
+        try {
+            fill();
+            FAIL();
+        } catch (const DbError& e) {
+            EXPECT_EQ(e.number(), dberr::DiskFull);
+            EXPECT_EQ(e.description(), "Datenträger voll");
+        }
+        EXPECT_TRUE(db->storageFailed());
+        // What came before is gone at once; reading still works, changing is refused.
+        EXPECT_EQ(rows(), 1);
+        EXPECT_THROW(db->execute("INSERT INTO T_X(stName) VALUES ('danach')"), DbError);
+        EXPECT_THROW(db->executeScript("CREATE TABLE T_Y (a)"), DbError);
+        {
+            Database::Transaction nested(*db);
+            EXPECT_THROW(nested.commit(), DbError);
+        }
+        try {
+            inner.commit();
+            FAIL();
+        } catch (const DbError& e) {
+            EXPECT_EQ(e.number(), dberr::DiskFull);
+        }
+        EXPECT_THROW(outer.commit(), DbError);
+    }
+    // With the outermost guard the failure is over: the connection works again.
+    EXPECT_FALSE(db->storageFailed());
+    EXPECT_EQ(rows(), 1);
+    db->execute("INSERT INTO T_X(stName) VALUES ('danach')");
+    EXPECT_EQ(rows(), 2);
+    EXPECT_EQ(toText(Database::open(path)->scalar("PRAGMA integrity_check")), "ok");
+}
+
+TEST_F(FullDiskTest, AStatementOutsideATransactionFailsAloneAndLeavesNoFailureBehind)
+{
+    EXPECT_THROW(fill(), DbError);
+    EXPECT_FALSE(db->storageFailed());
+    db->execute("INSERT INTO T_X(stName) VALUES ('klein')");
+    EXPECT_EQ(rows(), 2);
+}
+
+TEST_F(FullDiskTest, ACommitTheDiskCantTakeLeavesTheFileAsBefore)
+{
+    // Small changes fit the page cache; the full disk shows itself only when they are written.
+    db->scalar("PRAGMA max_page_count = " + toText(db->scalar("PRAGMA page_count")));
+    db->scalar("PRAGMA cache_size = 1000");
+    Database::Transaction tx(*db);
+    try {
+        for (int i = 0; i < 50; ++i)
+            db->execute("INSERT INTO T_X(stName) VALUES (?1)", {std::string(100, 'y') + std::to_string(i)});
+        tx.commit();
+        FAIL();
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::DiskFull);
+    }
+    EXPECT_EQ(rows(), 1);
+    EXPECT_EQ(toLong(Database::open(path)->scalar("SELECT count(*) FROM T_X")), 1);
 }

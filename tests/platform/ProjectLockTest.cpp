@@ -127,7 +127,7 @@ TEST(ProjectLock, AFolderThatCantTakeTheLockSaysWhy)
     ASSERT_TRUE(createFolder(dir.file(ProjectLock::kFileName)));
     ProjectLock lock(dir.path());
     EXPECT_FALSE(lock.held());
-    EXPECT_FALSE(lock.problem().empty());
-    EXPECT_EQ(lock.message(), "Das Projekt kann nicht zum Bearbeiten gesperrt werden (" + lock.problem() +
-                                  "). Sie können es ansehen, aber nichts ändern.");
+    EXPECT_EQ(lock.problem(), "an der Stelle der Sperrdatei QInventur.lck steht ein Ordner");
+    EXPECT_EQ(lock.message(), "Das Projekt kann nicht zum Bearbeiten gesperrt werden (an der Stelle der Sperrdatei "
+                              "QInventur.lck steht ein Ordner). Sie können es ansehen, aber nichts ändern.");
 }

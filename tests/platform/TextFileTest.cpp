@@ -1,7 +1,9 @@
-// Code page conversion and the UTF-8 check that decides how a profile file is read.
+// Code page conversion, the UTF-8 check that decides how a profile file is read, and
+// a writer on a full disk.
 
 #include "TextFile.h"
 
+#include "DbError.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -56,6 +58,22 @@ TEST(FromWindows1252, EveryByteBecomesWellFormedUtf8)
         all += char(b);
     EXPECT_TRUE(isUtf8(fromWindows1252(all)));
     EXPECT_EQ(fromWindows1252("B\xFCro \x80"), "Büro €");
+}
+
+TEST(TextFileWriter, AFullDiskSaysSo)
+{
+    // The system's device that is always full.
+    TextFileWriter out("/dev/full");
+    try {
+        // More than the writer keeps before it writes.
+        for (int i = 0; i < 10000; ++i)
+            out.writeLine("7,4711,01.02.2015,10:00:00,101,INV-001,X-1,I");
+        out.close();
+        FAIL() << "nothing failed";
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::DiskFull);
+        EXPECT_EQ(e.description(), "Datenträger voll");
+    }
 }
 
 } // namespace

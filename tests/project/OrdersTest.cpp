@@ -279,6 +279,51 @@ TEST_F(OrdersTest, AFailingRegisterLeavesNoOrderFile)
     EXPECT_EQ(treeDigest(dir.path()), before);
 }
 
+TEST_F(OrdersTest, AReadOnlyProjectNeitherCreatesNorDeletesAnOrder)
+{
+    ASSERT_EQ(create("Nord"), OrderResult::Done);
+    settings.readOnly = true;
+    const auto before = treeDigest(dir.path());
+    EXPECT_EQ(create("Süd"), OrderResult::ReadOnly);
+    EXPECT_EQ(DeleteOrder(reg, settings, ui, rows().at(0)), OrderResult::ReadOnly);
+    ASSERT_EQ(ui.messages.size(), 2u);
+    for (const RecordedMessage& m : ui.messages) {
+        EXPECT_EQ(m.text, "Das Projekt ist nur zum Ansehen geöffnet. Aufträge können weder angelegt noch gelöscht werden.");
+        EXPECT_EQ(m.title, "Quarn-Inventur");
+        EXPECT_EQ(m.icon, MsgIcon::Exclamation);
+    }
+    EXPECT_EQ(treeDigest(dir.path()), before);
+}
+
+TEST_F(OrdersTest, AnOrderOfAReadOnlyProjectOpensReadOnlyWithoutItsStamp)
+{
+    ASSERT_EQ(create("Nord"), OrderResult::Done);
+    settings.readOnly = true;
+    const auto before = treeDigest(dir.path());
+    CAuftragRec rec = rows().at(0);
+    CAuftragDb db(ui);
+    ASSERT_EQ(OpenOrderDatabase(reg, settings, ui, rec, db), OrderResult::Done);
+    EXPECT_TRUE(db.isReadOnly());
+    db.CloseDb();
+    EXPECT_EQ(rows().at(0).letzte_Aenderung, rec.erstellt);
+    EXPECT_TRUE(ui.messages.empty());
+    EXPECT_EQ(treeDigest(dir.path()), before);
+}
+
+TEST_F(OrdersTest, AFileThatIsNoOrderIsNotOpenedAndItsRowNotStamped)
+{
+    ASSERT_EQ(create("Nord"), OrderResult::Done);
+    CAuftragRec rec = rows().at(0);
+    writeFile(orderFile("Nord"), "kein Datenbankinhalt, nur Text, der lang genug ist, um wie eine Datei auszusehen");
+    const auto before = treeDigest(dir.path());
+    CAuftragDb db(ui);
+    EXPECT_EQ(OpenOrderDatabase(reg, settings, ui, rec, db), OrderResult::Failed);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text.rfind("frmMain.lvAuftraege_DblClick\r\n", 0), 0u) << ui.messages[0].text;
+    EXPECT_FALSE(db.isOpen());
+    EXPECT_EQ(treeDigest(dir.path()), before);
+}
+
 TEST_F(OrdersTest, TakenNamesAreRefusedExactly)
 {
     ASSERT_EQ(create("Nord"), OrderResult::Done);

@@ -624,5 +624,47 @@ TEST_F(FrmRaumTest, FertigAsksTheWindowToUnload)
     EXPECT_EQ(unloads, 1);
 }
 
+// ------------------------------------------------------------------ an order open read-only
+
+TEST_F(FrmRaumTest, AnOrderOpenReadOnlyShowsItsRoomsAndChangesNothing)
+{
+    storeRoom(room(0), "E");
+    storeRoom(room(1), "N");
+    storeDifference();
+    db.setOpenReadOnly(Value(std::int64_t{-1}));
+    ASSERT_TRUE(db.OpenDb());
+    const std::string before = contentDigest(dbFile);
+    open();
+    EXPECT_TRUE(form.readOnly());
+    EXPECT_EQ(rowTexts(), (std::vector<std::string>{room(0).nr, room(1).nr}));
+    // The tree and the room lists work; moving and marking rooms does nothing.
+    clickNode(floorId);
+    EXPECT_FALSE(form.lbRooms.empty());
+    selectLines({room(2).nr});
+    form.pbIn_Click();
+    form.pbAllIn_Click();
+    selectRows({room(0).nr});
+    form.pbOut_Click();
+    form.lvRoomsSelectedKey = form.lvRooms[1].key;
+    form.lvRooms_DblClick();
+    EXPECT_EQ(rowTexts(), (std::vector<std::string>{room(0).nr, room(1).nr}));
+    EXPECT_EQ(statusOf(room(1).nr), "N");
+    form.pbAllOut_Click();
+    EXPECT_EQ(form.lvRooms.size(), 2u);
+    EXPECT_FALSE(settings.gbRaeumeGeaendert);
+    // Closing saves nothing and says nothing.
+    form.Form_Deactivate();
+    form.Form_Unload();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    // Saving on purpose (as a command would) is refused with a message.
+    EXPECT_FALSE(form.SaveRooms());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Der Auftrag ist nur zum Ansehen geöffnet. Er kann nicht geändert werden.");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(ui.messages[0].title, "Quarn-Inventur");
+    db.CloseDb();
+    EXPECT_EQ(contentDigest(dbFile), before);
+}
+
 } // namespace
 } // namespace qi::test

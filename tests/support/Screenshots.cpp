@@ -1,5 +1,7 @@
 #include "Screenshots.h"
 
+#include <gtest/gtest.h>
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QCoreApplication>
@@ -112,6 +114,16 @@ int colourCount(const QImage& image)
         for (int x = 0; x < image.width(); x += 2)
             colours.insert(image.pixel(x, y));
     return int(colours.size());
+}
+
+void expectOnScreen(QWidget& window, const QString& name, const QStringList& texts)
+{
+    const QImage shot = screenshot(window, name);
+    ASSERT_FALSE(shot.isNull()) << name.toStdString();
+    EXPECT_GT(colourCount(shot), 20) << name.toStdString();
+    const QStringList shown = visibleTexts(window);
+    for (const QString& t : texts)
+        EXPECT_TRUE(shown.contains(t)) << name.toStdString() << ": " << t.toStdString();
 }
 
 } // namespace qi::test

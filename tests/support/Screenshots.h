@@ -27,4 +27,7 @@ QImage screenContents(QWidget& window, const QString& name);
 /// Number of different colours in the image (a blank window has one or two).
 int colourCount(const QImage& image);
 
+/// Saves the window's screenshot as `name` and checks that it is drawn and shows every text.
+void expectOnScreen(QWidget& window, const QString& name, const QStringList& texts);
+
 } // namespace qi::test

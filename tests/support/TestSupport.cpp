@@ -2,6 +2,7 @@
 
 #include "CInventurDb.h"
 #include "OrderSchema.h"
+#include "ProjectLock.h"
 
 #include <QApplication>
 #include <QSettings>
@@ -95,7 +96,8 @@ std::map<std::string, std::string> treeDigest(const std::string& folder)
 {
     std::map<std::string, std::string> files;
     for (const auto& e : fs::recursive_directory_iterator(folder)) {
-        if (!e.is_regular_file())
+        // A project's lock file stays behind every program that worked on the project.
+        if (!e.is_regular_file() || e.path().filename() == ProjectLock::kFileName)
             continue;
         const std::string bytes = readFile(e.path().string());
         std::uint64_t h = 1469598103934665603ull;

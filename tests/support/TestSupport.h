@@ -43,11 +43,13 @@ void writeFile(const std::string& path, const std::string& bytes);
 std::string readFile(const std::string& path);
 
 /// Every file below `folder` (path relative to it) with its size and a digest of its bytes:
-/// two snapshots are equal when no file was added, removed or changed.
+/// two snapshots are equal when no file was added, removed or changed. Project lock files
+/// do not count.
 std::map<std::string, std::string> treeDigest(const std::string& folder);
 
 /// A digest of every row of every table of a database file (key order): equal for two files
-/// of the same content, whatever else of the file differs.
+/// of the same content, whatever else of the file differs. The file must not be open elsewhere
+/// in this process.
 std::string contentDigest(const std::string& databaseFile);
 /// Whether the file passes the engine's integrity check.
 bool integrityOk(const std::string& databaseFile);

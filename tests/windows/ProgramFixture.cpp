@@ -3,6 +3,7 @@
 #include "FileSystem.h"
 #include "ProgramWindows.h"
 #include "ReportLinks.h"
+#include "QTreeGebStruCtrl.h"
 
 #include <QTreeWidget>
 
@@ -74,6 +75,25 @@ std::int64_t ProgramFixture::count(const std::string& file, const std::string& s
 }
 
 std::string ProgramFixture::scanFile(const std::string& name) const { return demoDir + "/" + name; }
+
+std::int32_t ProgramFixture::firstFloor() const
+{
+    for (const demo::Node& n : inst.nodes)
+        if (n.typ == 3)
+            return n.id;
+    return 0;
+}
+
+void ProgramFixture::chooseFirstFloor()
+{
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        w.tvGeb->SelectNode(firstFloor());
+        emit w.tvGeb->Click();
+        w.pbAllIn->click();
+        w.pbFertig->click();
+    });
+    work()->pbRooms->click();
+}
 
 QTreeWidgetItem* ProgramFixture::itemWithText(QTreeWidget& view, const QString& text)
 {

@@ -70,6 +70,10 @@ protected:
     std::int64_t count(const std::string& file, const std::string& sql);
     /// The demo's scanner file.
     std::string scanFile(const std::string& name) const;
+    /// The id of the installation's first floor.
+    std::int32_t firstFloor() const;
+    /// Puts the rooms of the first floor into the open order through the room selection.
+    void chooseFirstFloor();
 
     /// Item of a tree or list view whose first column reads `text`, or null.
     static QTreeWidgetItem* itemWithText(QTreeWidget& view, const QString& text);

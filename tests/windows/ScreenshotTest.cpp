@@ -27,23 +27,6 @@ namespace {
 
 class ScreenshotTest : public ProgramFixture {
 protected:
-    /// Saves the window's screenshot and checks that it is drawn and shows every text.
-    void expectOnScreen(QWidget& window, const QString& name, const QStringList& texts)
-    {
-        const QImage shot = screenshot(window, name);
-        ASSERT_FALSE(shot.isNull()) << name.toStdString();
-        EXPECT_GT(colourCount(shot), 20) << name.toStdString();
-        const QStringList shown = visibleTexts(window);
-        for (const QString& t : texts)
-            EXPECT_TRUE(shown.contains(t)) << name.toStdString() << ": " << t.toStdString();
-    }
-    std::int32_t firstFloor() const
-    {
-        for (const demo::Node& n : inst.nodes)
-            if (n.typ == 3)
-                return n.id;
-        return 0;
-    }
     QString floorText() const
     {
         for (const demo::Node& n : inst.nodes)

@@ -33,24 +33,6 @@ protected:
         ASSERT_NE(work(), nullptr);
         ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
     }
-    /// Puts the rooms of the first floor into the order through the room selection.
-    void chooseFirstFloor()
-    {
-        whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
-            w.tvGeb->SelectNode(firstFloor());
-            emit w.tvGeb->Click();
-            w.pbAllIn->click();
-            w.pbFertig->click();
-        });
-        work()->pbRooms->click();
-    }
-    std::int32_t firstFloor() const
-    {
-        for (const demo::Node& n : inst.nodes)
-            if (n.typ == 3)
-                return n.id;
-        return 0;
-    }
     static QStringList headings(const QTreeWidget& view)
     {
         QStringList out;
@@ -202,11 +184,13 @@ TEST_F(WindowsTest, WorkWindowButtonsAnswerToTheirMnemonics)
     EXPECT_TRUE(w.pbNeu->hasFocus() || w.pbRooms->hasFocus());
     int unloaded = 0;
     QObject::connect(&w, &OrderWindow::unloaded, [&] { ++unloaded; });
-    QPointer<frmWorkWindow> closing = &w;
-    altKey(w, Qt::Key_O); // "&OK" unloads the window, which the main window then deletes
+    QPointer<frmWorkWindow> closing(&w);
+    altKey(w, Qt::Key_O); // "&OK"
     EXPECT_EQ(unloaded, 1);
-    EXPECT_FALSE(main->orderDb()->isOpen());
-    EXPECT_TRUE(closing.isNull() || !closing->isVisible());
+    // The unloaded window goes as soon as the main window repaints, which may happen while the key is handled.
+    EXPECT_TRUE(!closing || closing->f_bReload);
+    EXPECT_TRUE(!closing || !closing->isVisible());
+    EXPECT_TRUE(main->isActiveState());
 }
 
 TEST_F(WindowsTest, WorkWindowRemembersItsSizeAndColumns)
