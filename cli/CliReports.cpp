@@ -72,11 +72,9 @@ std::string reportFormatOf(const Invocation& inv)
 
 int Session::writeReports(const std::vector<std::pair<std::string, std::string>>& reports, const std::string& format)
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Work, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     work.f_QGebDb = startup_.gebDb.get();
     const ReportFormat f = *reportFormatNamed(format);

@@ -204,6 +204,18 @@ bool Session::open(CAuftragRec& rec, OrderAccess access)
     return OpenOrderDatabase(*startup_.inventurDb, settings_, ui_, rec, *db_, access) == OrderResult::Done;
 }
 
+int Session::openOrder(Intent intent, CAuftragRec*& rec)
+{
+    rec = order();
+    if (!rec)
+        return kOrderUnknown;
+    if (!open(*rec, intent == Intent::Look ? OrderAccess::Look : OrderAccess::Work))
+        return kFailure;
+    if (intent == Intent::Change && RefuseOrderChange(*db_, ui_))
+        return kReadOnly;
+    return kSuccess;
+}
+
 // ---------------------------------------------------------------- orders
 
 int Session::auftraege()
@@ -252,11 +264,9 @@ int Session::loeschen()
 
 int Session::raeume()
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Look))
-        return kFailure;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Look, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     if (!work.InitData())
         return kFailure;
@@ -359,11 +369,9 @@ int Session::hinzufuegen()
         }
         files.push_back(path);
     }
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Work, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     work.f_QGebDb = startup_.gebDb.get();
     if (const FileListResult rooms = work.RoomsSelected(); rooms != FileListResult::Done)
@@ -409,11 +417,9 @@ int Session::asOneChange(const std::function<FileListResult()>& change)
 
 int Session::entfernen()
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Work, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     if (!work.Init())
         return kFailure;
@@ -435,11 +441,9 @@ int Session::entfernen()
 
 int Session::neuEinlesen()
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Work, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     if (!work.Init())
         return kFailure;
@@ -453,14 +457,10 @@ int Session::neuEinlesen()
 
 int Session::auswerten()
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
     // The evaluation writes the difference list into the order.
-    if (RefuseOrderChange(*db_, ui_))
-        return kReadOnly;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Change, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     work.f_QGebDb = startup_.gebDb.get();
     if (!work.ReportDifferenzListe())
@@ -474,13 +474,9 @@ int Session::auswerten()
 
 int Session::archiv()
 {
-    CAuftragRec* rec = order();
-    if (!rec)
-        return kOrderUnknown;
-    if (!open(*rec, OrderAccess::Work))
-        return kFailure;
-    if (RefuseOrderChange(*db_, ui_))
-        return kReadOnly;
+    CAuftragRec* rec = nullptr;
+    if (const int code = openOrder(Intent::Change, rec); code != kSuccess)
+        return code;
     frmWork work(*db_, settings_, ui_);
     const std::string archive = work.MakeArchive();
     if (archive.empty())

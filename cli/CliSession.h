@@ -67,6 +67,15 @@ private:
     CAuftragRec* order();
     /// Opens the order for work or to look at it; false after the message.
     bool open(CAuftragRec& rec, OrderAccess access);
+    /// What a command does with its order.
+    enum class Intent {
+        Look,   ///< only reads it
+        Work,   ///< works on it as the work window does (reports: in a private copy when read-only)
+        Change, ///< changes it: refused when the order is open read-only
+    };
+    /// Finds and opens the order the first argument names: kSuccess with `rec` set, or the exit
+    /// code after the message (unknown order, a failure to open it, a read-only order to change).
+    int openOrder(Intent intent, CAuftragRec*& rec);
     /// A message of the command line program itself ("[qinventur-cli] text").
     void say(const std::string& text);
     /// Told after a command stopped and undid what it did.
