@@ -2,6 +2,7 @@
 
 #include "DatabaseStructure.h"
 #include "FileSystem.h"
+#include "SqlName.h"
 
 #include <algorithm>
 #include <cctype>
@@ -34,17 +35,6 @@ std::string upper(std::string s)
 {
     std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return char(std::toupper(c)); });
     return s;
-}
-
-std::string sqlName(const std::string& name)
-{
-    std::string r = "\"";
-    for (char c : name) {
-        if (c == '"')
-            r += '"';
-        r += c;
-    }
-    return r + "\"";
 }
 
 DbError unknownItem(const std::string& name)

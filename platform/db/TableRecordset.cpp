@@ -1,12 +1,11 @@
 #include "TableRecordset.h"
 
 #include "JetCollation.h"
+#include "SqlName.h"
 
 namespace qi {
 
 namespace {
-
-std::string quoted(const std::string& name) { return "\"" + name + "\""; }
 
 [[noreturn]] void noCurrentRecord() { throw DbError(dberr::NoCurrentRecord, "Kein aktueller Datensatz."); }
 
@@ -61,7 +60,7 @@ bool TableRecordset::seek(std::int64_t key)
 
 std::size_t TableRecordset::recordCount()
 {
-    return std::size_t(toLong(db_.scalar("SELECT count(*) FROM " + quoted(info_.name))));
+    return std::size_t(toLong(db_.scalar("SELECT count(*) FROM " + sqlName(info_.name))));
 }
 
 void TableRecordset::takeWalkRow()
@@ -79,7 +78,7 @@ bool TableRecordset::moveFirst()
     if (mode_ != Mode::None)
         cancelUpdate();
     if (!walk_)
-        walk_ = db_.prepareOwn("SELECT * FROM " + quoted(info_.name) + " ORDER BY rowid");
+        walk_ = db_.prepareOwn("SELECT * FROM " + sqlName(info_.name) + " ORDER BY rowid");
     walk_->reset();
     onRow_ = walk_->step();
     takeWalkRow();

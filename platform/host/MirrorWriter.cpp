@@ -4,6 +4,7 @@
 #include "FileSystem.h"
 #include "JetCollation.h"
 #include "QuarnTables.h"
+#include "SqlName.h"
 
 #include <sqlite3.h>
 
@@ -14,17 +15,6 @@ namespace qi {
 namespace {
 
 constexpr const char* kMetaTable = "QI_Mirror";
-
-std::string sqlName(const std::string& name)
-{
-    std::string r = "\"";
-    for (char c : name) {
-        if (c == '"')
-            r += '"';
-        r += c;
-    }
-    return r + "\"";
-}
 
 const char* declaredType(MirrorType type)
 {

@@ -3,6 +3,7 @@
 #include "Database.h"
 #include "JetCollation.h"
 #include "ReportError.h"
+#include "SqlName.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -17,17 +18,6 @@
 namespace qi {
 
 namespace {
-
-std::string quoted(const std::string& name)
-{
-    std::string r = "\"";
-    for (char c : name) {
-        if (c == '"')
-            r += '"';
-        r += c;
-    }
-    return r + "\"";
-}
 
 /// A statement of the report, finalised on every path.
 class Query {
@@ -201,7 +191,7 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
     std::string sql = def.sql;
     while (!sql.empty() && (sql.back() == ';' || std::isspace(static_cast<unsigned char>(sql.back()))))
         sql.pop_back();
-    const std::string from = def.sql.empty() ? quoted(def.source) : "(" + sql + ")";
+    const std::string from = def.sql.empty() ? sqlName(def.source) : "(" + sql + ")";
 
     if (!def.sql.empty()) {
         // The statement alone first: it must be one query.
@@ -244,13 +234,13 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
 
     std::string select = "SELECT ";
     for (std::size_t i = 0; i < used.size(); ++i)
-        select += (i ? ", " : "") + quoted(used[i]);
+        select += (i ? ", " : "") + sqlName(used[i]);
     select += " FROM " + from + " AS report_rows";
     std::vector<std::string> order;
     for (const GroupDef& g : def.groups)
-        order.push_back(quoted(sourceFields[std::size_t(findName(sourceFields, g.field))]) + " COLLATE JET");
+        order.push_back(sqlName(sourceFields[std::size_t(findName(sourceFields, g.field))]) + " COLLATE JET");
     for (const SortKey& k : def.sort)
-        order.push_back(quoted(sourceFields[std::size_t(findName(sourceFields, k.field))]) + " COLLATE JET" +
+        order.push_back(sqlName(sourceFields[std::size_t(findName(sourceFields, k.field))]) + " COLLATE JET" +
                         (k.descending ? " DESC" : ""));
     for (std::size_t i = 0; i < order.size(); ++i)
         select += (i ? ", " : " ORDER BY ") + order[i];
