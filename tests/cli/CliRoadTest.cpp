@@ -88,6 +88,23 @@ TEST_F(CliRoadTest, FromAnEmptyProjectToADeletedOrder)
     EXPECT_EQ(count(db(), "SELECT COUNT(DISTINCT stTyp) FROM T_Differenzliste WHERE stTyp <> ''"), 6);
     EXPECT_NE(r.out.find("3a Fehlt im Raum (verschoben in anderen Raum des Auftrags)\t"), std::string::npos) << r.out;
 
+    // ------------------------------------------------------------ every report and error list
+    const std::string berichte = root.file("Berichte");
+    r = expectCli(0, {"export", "Erdgeschoss", "--ausgabe", berichte, "--format", "csv"});
+    for (const char* name :
+         {"artikel", "raumerfassung", "inventur", "inventurauswertung", "differenz", "neu", "verschoben", "fehlend"}) {
+        const std::string file = berichte + "/" + name + ".csv";
+        EXPECT_NE(r.out.find("Bericht '" + std::string(name) + "' geschrieben: " + displayPath(file) + "\n"),
+                  std::string::npos)
+            << r.out;
+        std::string text;
+        ASSERT_TRUE(readTextFile(file, text)) << name;
+        EXPECT_GT(std::count(text.begin(), text.end(), '\n'), 1) << name; // a heading and rows
+    }
+    // The error lists last cut the difference list to the missing objects; evaluating again makes it whole.
+    expectCli(0, {"auswerten", "Erdgeschoss"});
+    EXPECT_EQ(count(db(), "SELECT COUNT(DISTINCT stTyp) FROM T_Differenzliste WHERE stTyp <> ''"), 6);
+
     // ------------------------------------------------------------ archive
     r = expectCli(0, {"archiv", "Erdgeschoss"});
     std::string archive;

@@ -53,13 +53,7 @@ TEST_F(ScreenshotTest, WorkWindowWithData)
     newOrder("Erdgeschoss");
     openOrder("Erdgeschoss");
     ASSERT_NE(work(), nullptr);
-    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
-        w.tvGeb->SelectNode(firstFloor());
-        emit w.tvGeb->Click();
-        w.pbAllIn->click();
-        w.pbFertig->click();
-    });
-    work()->pbRooms->click();
+    chooseFirstFloor();
     ui.fileChoices = {scanFile("Scan_EG_Teil1.dat"), scanFile("Scan_EG_Teil2.dat")};
     work()->pbAdd->click();
     work()->pbAdd->click();
@@ -84,13 +78,7 @@ TEST_F(ScreenshotTest, ImportMessagesAndConflictDialogReachTheScreen)
     newOrder("Erdgeschoss");
     openOrder("Erdgeschoss");
     ASSERT_NE(work(), nullptr);
-    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
-        w.tvGeb->SelectNode(firstFloor());
-        emit w.tvGeb->Click();
-        w.pbAllIn->click();
-        w.pbFertig->click();
-    });
-    work()->pbRooms->click();
+    chooseFirstFloor();
 
     /// Checks what reached the screen of the dialog waiting in front: drawn at all, and the
     /// place of `text` drawn with more than the background.
