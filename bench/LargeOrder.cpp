@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "OrderSchema.h"
+#include "QuarnHost.h"
 #include "ReportLinks.h"
 
 #include <sys/resource.h>
@@ -182,6 +183,14 @@ LargeOrder::LargeOrder(const fs::path& project, const fs::path& program, const I
         room.stAuftrag = "A1";
         order->AddNewRaumRec(&room);
     }
+    // Quarn's databases are mirrored once and kept while they don't change, as a team's
+    // installation is after its first file; the floor, too, loads its copy of them untimed.
+    QObjektDb objects;
+    if (!objects.Open(settings.gstAppPfad, settings.objectDatabase()))
+        throw std::runtime_error("Quarn's objects: " + objects.LastError());
+    QGebDb building;
+    if (!building.Open(settings.gstAppPfad, settings.buildingDatabase()))
+        throw std::runtime_error("Quarn's building: " + building.LastError());
 }
 
 } // namespace qi::bench

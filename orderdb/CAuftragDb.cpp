@@ -149,6 +149,15 @@ bool CAuftragDb::AddNewDatInventurRec(CDatInventurRec* rec, bool& duplicate)
     }
 }
 
+bool CAuftragDb::ReadDifferenzlisteOhneArtNr2Coll(CDifferenzlisteRecColl& coll)
+{
+    // Empty means no character at all, as for the record's text; a Null is read (and
+    // refused) as the whole table's read would.
+    return readQueryRec2Coll("SELECT * FROM T_Differenzliste WHERE (stArtNr IS NULL OR length(stArtNr) = 0) "
+                             "AND (stIstInvNR IS NULL OR length(stIstInvNR) > 0) ORDER BY rowid",
+                             coll);
+}
+
 bool CAuftragDb::GetDatInventurByInvNr(CDatInventurRec* rec, CDatInventurRec& existing)
 {
     begin();

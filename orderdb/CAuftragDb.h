@@ -83,6 +83,8 @@ public:
     bool ReadDifferenzlisteRec(CDifferenzlisteRec* rec) { return rec ? readRec(rec, rec->lID) : (begin(), false); }
     bool DelDifferenzlisteRec(CDifferenzlisteRec* rec) { return delRec(rec); }
     bool ReadAllDifferenzlisteRec2Coll(CDifferenzlisteRecColl& coll) { return readAllRec2Coll(coll); }
+    /// The lines that lack an article number and have a scanned number, in table order.
+    bool ReadDifferenzlisteOhneArtNr2Coll(CDifferenzlisteRecColl& coll);
 
     // T_Invliste
     bool AddNewInvlisteRec(CInvlisteRec* rec) { return addNewRec(rec); }

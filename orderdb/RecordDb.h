@@ -84,6 +84,10 @@ protected:
     bool delRec(const Rec* rec);
     template <class Rec>
     bool readAllRec2Coll(CRecColl<Rec>& coll);
+    /// The rows of a query over the record's table (all its columns) into the collection,
+    /// in the query's order, as readAllRec2Coll reads the whole table.
+    template <class Rec>
+    bool readQueryRec2Coll(std::string_view sql, CRecColl<Rec>& coll);
     /// Runs an action statement; `failText` on error.
     bool executeDelete(std::string_view sql);
     /// Opens DbPath as OpenDb does and checks that the file holds every table and column of
@@ -92,6 +96,10 @@ protected:
     bool openChecked(const Structure& expected, const std::string& kind);
 
 private:
+    /// The read loop of the two above over the rows that `open` gives.
+    template <class Rec, class OpenRows>
+    bool readRowsRec2Coll(CRecColl<Rec>& coll, OpenRows open);
+
     std::string lastError_;
     std::string dbPath_;
     Value openOptions_;
@@ -212,18 +220,28 @@ bool RecordDb::delRec(std::int32_t id)
 template <class Rec>
 bool RecordDb::readAllRec2Coll(CRecColl<Rec>& coll)
 {
+    return readRowsRec2Coll(coll, [this] { return TableRecordset(db(), RecordTable<Rec>::name); });
+}
+
+template <class Rec>
+bool RecordDb::readQueryRec2Coll(std::string_view sql, CRecColl<Rec>& coll)
+{
+    return readRowsRec2Coll(coll, [this, sql] { return db().query(sql); });
+}
+
+template <class Rec, class OpenRows>
+bool RecordDb::readRowsRec2Coll(CRecColl<Rec>& coll, OpenRows open)
+{
     begin();
     coll.Clear();
     try {
-        TableRecordset rs(db(), RecordTable<Rec>::name);
-        if (rs.moveFirst()) {
-            Rec rec;
-            for (; !rs.eof(); rs.moveNext()) {
-                rec.Init();
-                readFields<Rec>(rs, rec, RecordTable<Rec>::read);
-                if (!coll.Append(&rec))
-                    return fail(failtext::ReadAll);
-            }
+        auto rows = open();
+        Rec rec;
+        for (rows.moveFirst(); !rows.eof(); rows.moveNext()) {
+            rec.Init();
+            readFields<Rec>(rows, rec, RecordTable<Rec>::read);
+            if (!coll.Append(&rec))
+                return fail(failtext::ReadAll);
         }
         return true;
     } catch (const NoDatabase&) {

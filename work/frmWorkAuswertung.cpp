@@ -302,8 +302,10 @@ bool frmWork::MakeArtikelIst()
     try {
         ensureHost();
         const QObjektDb::LookupBatch lookups(*f_GebDb);
+        // Only the lines the walk may complete are read: the list holds a Soll row for every
+        // object of the order's rooms, and those carry their article already.
         CDifferenzlisteRecColl lines;
-        check(f_DBAuftrag.ReadAllDifferenzlisteRec2Coll(lines), f_DBAuftrag);
+        check(f_DBAuftrag.ReadDifferenzlisteOhneArtNr2Coll(lines), f_DBAuftrag);
         CDifferenzlisteRec* line = nullptr;
         lines.ResetIndex();
         while (lines.GetNext(line)) {

@@ -169,6 +169,38 @@ TEST_F(OrderDbTest, NullDescriptionOfInvlisteReadsAsEmptyOtherNullsFail)
         << db.LastError();
 }
 
+TEST_F(OrderDbTest, LinesWithoutArticleAreThoseWithNoCharacterOfArticleAndSomeOfScannedNumber)
+{
+    const auto line = [&](const std::string& artNr, const std::string& ist) {
+        CDifferenzlisteRec d;
+        d.lRaumID = 1;
+        d.stArtNr = artNr;
+        d.stIstInvNR = ist;
+        EXPECT_TRUE(db.AddNewDifferenzlisteRec(&d)) << db.LastError();
+        return d.lID;
+    };
+    const std::int32_t second = line("", "B-2");
+    const std::int32_t first = line("", "A-1");
+    line("ART", "C-3");   // has its article
+    line("  ", "D-4");    // blanks are an article number to the walk
+    line("", "");         // nothing scanned
+    const std::int32_t blanks = line("", " ");
+    db.database()->execute("UPDATE T_Differenzliste SET lID = lID + 100 WHERE lID = ?1", {std::int64_t{second}});
+
+    CDifferenzlisteRecColl lines;
+    ASSERT_TRUE(db.ReadDifferenzlisteOhneArtNr2Coll(lines)) << db.LastError();
+    ASSERT_EQ(lines.Count(), 3);
+    EXPECT_EQ(lines.Item(1)->lID, first);
+    EXPECT_EQ(lines.Item(2)->lID, blanks);
+    EXPECT_EQ(lines.Item(3)->stIstInvNR, "B-2");
+
+    // A Null in a line the walk would see fails the read as the whole table's read does.
+    db.database()->execute("UPDATE T_Differenzliste SET stQuarn = NULL WHERE stIstInvNR = 'A-1'");
+    EXPECT_FALSE(db.ReadDifferenzlisteOhneArtNr2Coll(lines));
+    EXPECT_EQ(db.LastError().rfind("Die Datensätze konnten nicht in die Liste gelesen werden!\r\n", 0), 0u)
+        << db.LastError();
+}
+
 TEST_F(OrderDbTest, IsValidDbOnAFileLackingOnlyTAbschreibung)
 {
     EXPECT_TRUE(db.IsValidDb());
