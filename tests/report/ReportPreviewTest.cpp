@@ -124,6 +124,25 @@ TEST_F(ReportPreviewTest, ZoomChangesThePagesSizeOnScreen)
     EXPECT_EQ(window->cbZoom->currentText(), QStringLiteral("Seitenbreite"));
 }
 
+TEST_F(ReportPreviewTest, AFirstShownWindowFitsThePageToItsWidthAndFollowsItsSize)
+{
+    ReportPreview fresh(open(file, "Neu"), ui);
+    fresh.resize(1100, 800);
+    fresh.show();
+    QApplication::processEvents();
+    const auto fills = [&] {
+        const int view = fresh.scroll->viewport()->width();
+        const int page = fresh.pageView->pageSize().width();
+        EXPECT_GT(page, view - 2 * ReportPageView::kMargin - 40) << page << " of " << view;
+        EXPECT_LE(page, view) << page << " of " << view;
+    };
+    EXPECT_EQ(fresh.cbZoom->currentText(), QStringLiteral("Seitenbreite"));
+    fills();
+    fresh.resize(700, 800);
+    QApplication::processEvents();
+    fills();
+}
+
 TEST_F(ReportPreviewTest, SavesEachFormatWhereTheUserSays)
 {
     ui.saveChoices = {dir.file("a.pdf"), dir.file("b"), dir.file("c.csv")};

@@ -301,15 +301,12 @@ void ReportPreview::closeEvent(QCloseEvent* event)
     QMainWindow::closeEvent(event);
 }
 
-void ReportPreview::resizeEvent(QResizeEvent* event)
-{
-    QMainWindow::resizeEvent(event);
-    if (fit_ != Fit::None)
-        refresh();
-}
-
 bool ReportPreview::eventFilter(QObject* watched, QEvent* event)
 {
+    // A fitted page follows the view's own size: the window's size is known before its
+    // view has been laid out (the first showing), the view's is not.
+    if (watched == scroll->viewport() && event->type() == QEvent::Resize && fit_ != Fit::None)
+        refresh();
     // Ctrl and the wheel zoom; the wheel alone scrolls.
     if (watched == scroll->viewport() && event->type() == QEvent::Wheel) {
         auto* wheel = static_cast<QWheelEvent*>(event);
