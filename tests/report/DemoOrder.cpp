@@ -1,26 +1,15 @@
 #include "DemoOrder.h"
 
 #include "DemoInstallation.h"
+#include "DemoOrderRooms.h"
 #include "FileSystem.h"
 #include "ReportLinks.h"
 #include "ReportMenus.h"
-#include "ScannerFile.h"
-#include "bGeneral.h"
 
-#include <set>
 
 namespace qi::test {
 
 namespace {
-
-std::set<std::string> roomsOf(const demo::ScanFile& f)
-{
-    std::set<std::string> rooms;
-    for (const std::string& line : f.lines)
-        if (FieldCount(line, ",") >= 8)
-            rooms.insert(normaliseRoom(GetField(line, ",", 5)));
-    return rooms;
-}
 
 const char* const kModules[] = {"INVENTAR", "TECHNIK", "BRANDSCHUTZ"};
 
@@ -82,19 +71,8 @@ DemoOrder::DemoOrder(int modul)
         throw std::runtime_error(db->LastError());
     db->database()->execute("INSERT INTO T_Auftrag (stAuftrag) VALUES (?1)", {std::string("Demo")});
 
-    std::set<std::string> orderRooms = roomsOf(scanFiles[0]);
-    const std::set<std::string> second = roomsOf(scanFiles[1]);
-    orderRooms.insert(second.begin(), second.end());
-    for (const demo::Room& r : inst.rooms) {
-        if (!orderRooms.count(r.nr))
-            continue;
-        CRaumRec room;
-        room.lIdRB = r.id;
-        room.stRaumNr = r.nr;
-        room.ststatus = "N";
-        room.stAuftrag = "Demo";
-        db->AddNewRaumRec(&room);
-    }
+    if (const std::string error = addOrderRooms(*db, groundFloorRooms(inst, scanFiles), "Demo"); !error.empty())
+        throw std::runtime_error(error);
 
     reportDb = program + "/QInventurRpt.mdb";
     createReportDatabase(reportDb);

@@ -3,6 +3,7 @@
 // then find every difference category in them.
 
 #include "DemoInstallation.h"
+#include "DemoOrderRooms.h"
 #include "FileSystem.h"
 #include "QuarnHost.h"
 #include "ReportLinks.h"
@@ -20,16 +21,6 @@ using namespace qi;
 namespace {
 
 constexpr const char* k3b = "3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.";
-
-/// Normalised rooms of a scanner file's records.
-std::set<std::string> roomsOf(const demo::ScanFile& f)
-{
-    std::set<std::string> rooms;
-    for (const std::string& line : f.lines)
-        if (FieldCount(line, ",") >= 8)
-            rooms.insert(normaliseRoom(GetField(line, ",", 5)));
-    return rooms;
-}
 
 class DemoImport : public ::testing::Test {
 protected:
@@ -54,21 +45,11 @@ protected:
         ASSERT_TRUE(db.OpenDb()) << db.LastError();
 
         // The order: every room of the two ground-floor files.
-        std::set<std::string> orderRooms = roomsOf(scanFiles[0]);
-        const std::set<std::string> second = roomsOf(scanFiles[1]);
-        orderRooms.insert(second.begin(), second.end());
-        for (const demo::Room& r : inst.rooms) {
-            if (!orderRooms.count(r.nr))
-                continue;
-            CRaumRec room;
-            room.lIdRB = r.id;
-            room.stRaumNr = r.nr;
-            room.ststatus = "N";
-            room.stAuftrag = "Demo";
-            ASSERT_TRUE(db.AddNewRaumRec(&room)) << db.LastError();
+        const std::vector<demo::Room> rooms = test::groundFloorRooms(inst, scanFiles);
+        ASSERT_FALSE(rooms.empty());
+        ASSERT_EQ(test::addOrderRooms(db, rooms, "Demo"), "");
+        for (const demo::Room& r : rooms)
             roomIds[r.nr] = r.id;
-        }
-        ASSERT_EQ(roomIds.size(), orderRooms.size());
     }
 
     std::string path(int file) const { return project + "/" + scanFiles[std::size_t(file)].name; }
