@@ -53,6 +53,14 @@ std::string displayPath(const std::string& path)
     return r;
 }
 
+std::string displayFolder(const std::string& folder)
+{
+    std::string r = displayPath(folder);
+    while (r.size() > 1 && (r.back() == '/' || r.back() == '\\') && !(r.size() == 3 && r[1] == ':'))
+        r.pop_back();
+    return r;
+}
+
 bool isAbsolutePath(const std::string& path)
 {
     if (path.empty())

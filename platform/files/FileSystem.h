@@ -16,6 +16,9 @@ std::string systemPath(const std::string& native);
 /// A path as a person reads it: one kind of separator (the platform's), a doubled
 /// separator inside the path written once.
 std::string displayPath(const std::string& path);
+/// A folder as a person reads it: as displayPath, without a separator at its end (a root
+/// keeps its own).
+std::string displayFolder(const std::string& folder);
 /// True for a path that names its place from a root: a leading separator or a drive ("C:").
 bool isAbsolutePath(const std::string& path);
 /// `path` itself when absolute, otherwise `path` below `folder` (joined with a backslash).

@@ -55,7 +55,7 @@ std::unique_ptr<Report> Report::open(const std::string& reportFile, const std::s
         throw ReportError("Die Berichtsdatenbank '" + displayPath(dataFile) + "' kann nicht geöffnet werden: " +
                           e.description());
     }
-    ReportContext context{options.orderName, displayPath(options.projectFolder),
+    ReportContext context{options.orderName, displayFolder(options.projectFolder),
                           options.printDate.empty() ? nowText() : options.printDate, fileNamePart(report->file_)};
     if (context.orderName.empty() || context.projectFolder.empty()) {
         const OrderInfo order = orderOfReportDatabase(dataFile, *statements);

@@ -117,7 +117,7 @@ OrderInfo orderOfReportDatabase(const std::string& dataFile, Database& statement
         const std::string inner = folder.substr(0, folder.size() - 1);
         if (jetEqual(fileNamePart(inner), "Inventur"))
             folder = folderPart(inner);
-        info.projectFolder = displayPath(folder.size() > 1 ? folder.substr(0, folder.size() - 1) : folder);
+        info.projectFolder = displayFolder(folder);
     }
     try {
         info.orderName = toText(statements.scalar("SELECT stAuftrag FROM T_Auftrag ORDER BY lID LIMIT 1"));

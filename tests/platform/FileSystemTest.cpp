@@ -38,6 +38,16 @@ TEST(FileSystem, PathsShownToAPersonUseOneSeparator)
     EXPECT_EQ(displayPath("//server/share"), "//server/share");
 }
 
+TEST(FileSystem, AFolderShownToAPersonEndsWithoutSeparator)
+{
+    EXPECT_EQ(displayFolder("/home/a/Projekt/"), "/home/a/Projekt");
+    EXPECT_EQ(displayFolder("C:\\Quarn\\Projekt\\"), "C:/Quarn/Projekt");
+    EXPECT_EQ(displayFolder("/home/a/Projekt"), "/home/a/Projekt");
+    EXPECT_EQ(displayFolder("/"), "/");
+    EXPECT_EQ(displayFolder("C:\\"), "C:/");
+    EXPECT_EQ(displayFolder(""), "");
+}
+
 TEST(FileSystem, RelativePathsResolveAgainstAFolder)
 {
     EXPECT_TRUE(isAbsolutePath("/home/a"));

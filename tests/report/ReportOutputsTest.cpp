@@ -111,7 +111,8 @@ TEST_F(ReportOutputsTest, TheCommandLinesCallWritesEachFormatOrSaysWhyNot)
 {
     for (ReportFormat f : {ReportFormat::Pdf, ReportFormat::Xlsx, ReportFormat::Csv, ReportFormat::Text}) {
         const std::string out = dir.file(std::string("aus.") + reportFormatExtension(f));
-        EXPECT_EQ(writeReportFile(report, dataFile, "Inventarliste", "A 7", "C:\\Quarn\\Projekt", f, out), "");
+        // The project folder as the settings hold it, with its separator at the end.
+        EXPECT_EQ(writeReportFile(report, dataFile, "Inventarliste", "A 7", "C:\\Quarn\\Projekt\\", f, out), "");
         EXPECT_TRUE(fileExists(out));
     }
     EXPECT_NE(readFile(dir.file("aus.txt")).find("Projekt: C:/Quarn/Projekt | Auftrag: A 7"), std::string::npos);
