@@ -15,19 +15,19 @@ int run(const std::vector<std::string>& arguments, const std::string& programFol
         inv = parseCommandLine(arguments);
     } catch (const UsageError& e) {
         err << "[qinventur-cli] " << e.what() << '\n';
-        const CommandSpec* spec = nullptr;
+        const CommandInfo* known = nullptr;
         for (const std::string& a : arguments)
-            if ((spec = findCommand(a)))
+            if ((known = findCommand(a)))
                 break;
-        if (spec)
-            err << "Aufruf: qinventur-cli " << spec->synopsis << "\nHilfe: qinventur-cli " << spec->name << " --help\n";
+        if (known)
+            err << "Aufruf: qinventur-cli " << known->synopsis << "\nHilfe: qinventur-cli " << known->name << " --help\n";
         else
             err << "Hilfe: qinventur-cli --help\n";
         return kBadArguments;
     }
     if (inv.help) {
-        const CommandSpec* spec = findCommand(inv.command);
-        out << (spec ? commandHelp(*spec) : overallHelp());
+        const CommandInfo* known = findCommand(inv.command);
+        out << (known ? commandHelp(*known) : overallHelp());
         return kSuccess;
     }
     Session session(inv, programFolder, out, err, terminal);

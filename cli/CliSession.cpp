@@ -59,13 +59,13 @@ ExitCode exitCodeOf(FileListResult r)
 }
 
 /// One room of `raeume --setzen`: its number and the status asked for ("L", "N" or none).
-struct RoomSpec {
+struct WantedRoom {
     std::string number;
     std::string status;
 };
 
 /// "101", "101:L" or "101:N" (the letter in either case).
-RoomSpec roomSpec(const std::string& text)
+WantedRoom wantedRoom(const std::string& text)
 {
     const std::size_t colon = text.rfind(':');
     if (colon != std::string::npos && colon + 2 == text.size()) {
@@ -287,9 +287,9 @@ int Session::raeumeSetzen()
         return kOrderUnknown;
 
     // The rooms asked for, from the command line and the file, in their order.
-    std::vector<RoomSpec> wanted;
+    std::vector<WantedRoom> wanted;
     for (std::size_t i = 1; i < inv_.args.size(); ++i)
-        wanted.push_back(roomSpec(inv_.args[i]));
+        wanted.push_back(wantedRoom(inv_.args[i]));
     if (inv_.options.count("--datei")) {
         const std::string file = inv_.option("--datei");
         std::string text;
@@ -306,7 +306,7 @@ int Session::raeumeSetzen()
             if (first == std::string::npos || line[first] == '#')
                 continue;
             line = line.substr(first, line.find_last_not_of(" \t") - first + 1);
-            wanted.push_back(roomSpec(line));
+            wanted.push_back(wantedRoom(line));
         }
     }
 
@@ -322,18 +322,18 @@ int Session::raeumeSetzen()
     if (ui_.errorCount() > 0)
         return kFailure;
     std::vector<std::pair<std::string, std::string>> marks; // row key, status asked for
-    for (const RoomSpec& spec : wanted) {
+    for (const WantedRoom& want : wanted) {
         RoomLine* match = nullptr;
         for (RoomLine& line : rooms.lbRooms)
-            if (line.text == spec.number || (!match && jetEqual(line.text, spec.number)))
+            if (line.text == want.number || (!match && jetEqual(line.text, want.number)))
                 match = &line;
         if (!match) {
-            say("Einen Raum '" + spec.number + "' gibt es in der Gebäudestruktur nicht.");
+            say("Einen Raum '" + want.number + "' gibt es in der Gebäudestruktur nicht.");
             return kRoomUnknown;
         }
         match->selected = true;
-        if (!spec.status.empty())
-            marks.emplace_back(raumtext::KeyPrefix + std::to_string(match->itemData), spec.status);
+        if (!want.status.empty())
+            marks.emplace_back(raumtext::KeyPrefix + std::to_string(match->itemData), want.status);
     }
     rooms.pbAllOut_Click();
     if (inv_.has("--alle"))

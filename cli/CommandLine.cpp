@@ -9,9 +9,9 @@ namespace {
 constexpr std::string_view kProgram = "qinventur-cli";
 constexpr std::string_view kProjekt = "--projekt";
 
-std::vector<CommandSpec> makeCommands()
+std::vector<CommandInfo> makeCommands()
 {
-    std::vector<CommandSpec> c;
+    std::vector<CommandInfo> c;
     c.push_back({"auftraege", "auftraege", "Aufträge des Projekts auflisten",
                  "Listet die Aufträge des Projekts auf, einen je Zeile: Name, erstellt, geändert und\n"
                  "Ersteller, durch Tabulatoren getrennt. Die erste Zeile nennt die Spalten.\n",
@@ -182,7 +182,7 @@ bool takesValue(std::string_view option)
 {
     if (option == kProjekt)
         return true;
-    for (const CommandSpec& c : commands())
+    for (const CommandInfo& c : commands())
         if (contains(c.valueOptions, option))
             return true;
     return false;
@@ -190,7 +190,7 @@ bool takesValue(std::string_view option)
 
 bool isFlag(std::string_view option)
 {
-    for (const CommandSpec& c : commands())
+    for (const CommandInfo& c : commands())
         if (contains(c.flags, option))
             return true;
     return false;
@@ -215,15 +215,15 @@ std::string exampleLines(const std::vector<std::string_view>& examples)
 
 } // namespace
 
-const std::vector<CommandSpec>& commands()
+const std::vector<CommandInfo>& commands()
 {
-    static const std::vector<CommandSpec> all = makeCommands();
+    static const std::vector<CommandInfo> all = makeCommands();
     return all;
 }
 
-const CommandSpec* findCommand(std::string_view name)
+const CommandInfo* findCommand(std::string_view name)
 {
-    for (const CommandSpec& c : commands())
+    for (const CommandInfo& c : commands())
         if (c.name == name)
             return &c;
     return nullptr;
@@ -282,8 +282,8 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments)
         inv.command = inv.args.empty() ? std::string() : inv.args.front();
         inv.args.clear();
     }
-    const CommandSpec* spec = inv.command.empty() ? nullptr : findCommand(inv.command);
-    if (!inv.command.empty() && !spec)
+    const CommandInfo* known = inv.command.empty() ? nullptr : findCommand(inv.command);
+    if (!inv.command.empty() && !known)
         throw UsageError("Den Befehl '" + inv.command + "' gibt es nicht.");
 
     for (const auto& [name, value] : given) {
@@ -291,24 +291,24 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments)
             inv.projekt = value;
             continue;
         }
-        if (!spec || !(contains(spec->valueOptions, name) || contains(spec->flags, name)))
+        if (!known || !(contains(known->valueOptions, name) || contains(known->flags, name)))
             throw UsageError("Die Option " + name +
-                             (spec ? " gibt es für den Befehl " + inv.command + " nicht." : " gehört zu einem Befehl."));
+                             (known ? " gibt es für den Befehl " + inv.command + " nicht." : " gehört zu einem Befehl."));
         if (inv.options.count(name) || inv.flags.count(name))
             throw UsageError("Die Option " + name + " ist zweimal angegeben.");
-        if (contains(spec->flags, name))
+        if (contains(known->flags, name))
             inv.flags.insert(name);
         else
             inv.options[name] = value;
     }
     if (inv.help)
         return inv;
-    if (!spec)
+    if (!known)
         throw UsageError("Es fehlt ein Befehl.");
     const int n = int(inv.args.size());
-    if (n < spec->minArgs)
+    if (n < known->minArgs)
         throw UsageError("Es fehlt ein Argument.");
-    if (spec->maxArgs >= 0 && n > spec->maxArgs)
+    if (known->maxArgs >= 0 && n > known->maxArgs)
         throw UsageError("Zu viele Argumente.");
     return inv;
 }
@@ -328,7 +328,7 @@ std::string overallHelp()
            "Programm QInventur, oder der Ordner hinter --projekt.\n"
            "\n"
            "Befehle:\n";
-    for (const CommandSpec& c : commands()) {
+    for (const CommandInfo& c : commands()) {
         std::string line = "  " + std::string(c.name);
         line.resize(17, ' ');
         out += line + std::string(c.summary) + "\n";
@@ -358,7 +358,7 @@ std::string overallHelp()
     return out;
 }
 
-std::string commandHelp(const CommandSpec& command)
+std::string commandHelp(const CommandInfo& command)
 {
     std::string out = std::string(kProgram) + " " + std::string(command.name) + ": " + std::string(command.summary) +
                       "\n\nAufruf:\n  " + std::string(kProgram) + " [--projekt ORDNER] " +

@@ -15,7 +15,7 @@
 namespace qi::cli {
 
 /// One command: what it takes, and its help.
-struct CommandSpec {
+struct CommandInfo {
     std::string_view name;
     std::string_view synopsis;    ///< what follows the program name, e.g. "loeschen NAME"
     std::string_view summary;     ///< one line for the overview
@@ -29,9 +29,9 @@ struct CommandSpec {
 };
 
 /// Every command, in the order of the overview.
-const std::vector<CommandSpec>& commands();
+const std::vector<CommandInfo>& commands();
 /// The command of that name, or null.
-const CommandSpec* findCommand(std::string_view name);
+const CommandInfo* findCommand(std::string_view name);
 
 /// One invocation, parsed.
 struct Invocation {
@@ -59,6 +59,6 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments);
 /// The overall help: what the program does, its commands, exit codes and examples.
 std::string overallHelp();
 /// The help of one command: its call, what it does, its options, exit codes and examples.
-std::string commandHelp(const CommandSpec& command);
+std::string commandHelp(const CommandInfo& command);
 
 } // namespace qi::cli

@@ -39,7 +39,7 @@ TEST_F(CliHelpTest, OverallHelpNamesEveryCommandAndEveryExitCode)
         EXPECT_TRUE(r.err.empty()) << r.err;
         expectGerman(r.out);
         EXPECT_NE(r.out.find("qinventur-cli [--projekt ORDNER] BEFEHL [ARGUMENTE] [OPTIONEN]"), std::string::npos);
-        for (const CommandSpec& c : commands())
+        for (const CommandInfo& c : commands())
             EXPECT_NE(r.out.find("  " + std::string(c.name) + " "), std::string::npos) << c.name;
         for (const ExitCodeInfo& info : kExitCodes)
             EXPECT_NE(r.out.find(codeLine(info)), std::string::npos) << info.code;
@@ -48,7 +48,7 @@ TEST_F(CliHelpTest, OverallHelpNamesEveryCommandAndEveryExitCode)
 
 TEST_F(CliHelpTest, EveryCommandHasItsOwnGermanHelpWithItsExitCodes)
 {
-    for (const CommandSpec& c : commands()) {
+    for (const CommandInfo& c : commands()) {
         SCOPED_TRACE(std::string(c.name));
         const std::string name(c.name);
         const CliRun r = expectCli(0, {name, "--help"});
