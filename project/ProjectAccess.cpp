@@ -58,8 +58,9 @@ std::shared_ptr<ProjectLock> TakeProject(Settings& settings, UserInteraction& ui
 bool OpenOrderForWork(CAuftragDb& db, const Settings& settings, UserInteraction& ui)
 {
     const std::string& path = db.DbPath();
+    const std::string folder = folderPart(path);
     const bool fileReadOnly = !settings.readOnly && fileExists(path) &&
-                              (!canWrite(path) || !canWrite(folderPart(path).empty() ? "." : folderPart(path)));
+                              (!canWrite(path) || !canWrite(folder.empty() ? std::string(".") : folder));
     db.setOpenReadOnly(Value(std::int64_t{settings.readOnly || fileReadOnly ? -1 : 0}));
     if (!db.OpenCheckedDb())
         return false;
