@@ -1,5 +1,6 @@
 #include "LinkedDatabase.h"
 
+#include "ConnectionString.h"
 #include "DatabaseStructure.h"
 #include "FileSystem.h"
 #include "SqlName.h"
@@ -55,15 +56,13 @@ std::string resolvedFile(const TableLink& link)
     return resolver ? resolver->localFile(link) : std::string();
 }
 
-/// The DSN (or the whole string) of an ODBC connect string, for messages.
+/// The DSN (or the whole string, its passwords masked) of an ODBC connect string, for messages.
 std::string odbcSource(const std::string& connect)
 {
-    const std::string u = upper(connect);
-    const auto p = u.find("DSN=");
-    if (p == std::string::npos)
-        return connect;
-    const auto end = connect.find(';', p);
-    return connect.substr(p + 4, end == std::string::npos ? std::string::npos : end - p - 4);
+    for (const ConnectionAttribute& a : connectionAttributes(connect))
+        if (a.hasValue && upper(a.key) == "DSN")
+            return a.value;
+    return maskedConnectionString(connect);
 }
 
 /// A canonical form of a file path, so that one file is attached once.

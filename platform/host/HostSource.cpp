@@ -24,22 +24,4 @@ std::string odbcDriverConnectString(const std::string& connection)
     return connection;
 }
 
-std::string odbcDisplayString(const std::string& connection)
-{
-    std::string shown;
-    std::size_t pos = 0;
-    while (pos <= connection.size()) {
-        const std::size_t end = std::min(connection.find(';', pos), connection.size());
-        std::string part = connection.substr(pos, end - pos);
-        const std::string key = upper(part.substr(0, part.find('=')));
-        if ((key == "PWD" || key == "PASSWORD") && part.find('=') != std::string::npos)
-            part = part.substr(0, part.find('=') + 1) + "***";
-        shown += part;
-        if (end < connection.size())
-            shown += ';';
-        pos = end + 1;
-    }
-    return shown;
-}
-
 } // namespace qi

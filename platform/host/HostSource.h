@@ -22,7 +22,5 @@ struct HostSource {
 /// The connection string as the ODBC driver manager takes it: a leading "ODBC;" (the form
 /// that table links carry) is dropped.
 std::string odbcDriverConnectString(const std::string& connection);
-/// The connection string for messages: passwords ("PWD=", "PASSWORD=") show as "***".
-std::string odbcDisplayString(const std::string& connection);
 
 } // namespace qi

@@ -1,5 +1,6 @@
 #include "OdbcDatabase.h"
 
+#include "ConnectionString.h"
 #include "HostSource.h"
 #include "LinkedDatabase.h"
 #include "MirrorWriter.h"
@@ -135,6 +136,16 @@ MirrorType mirrorType(SQLSMALLINT sqlType, SQLSMALLINT digits)
     }
 }
 
+/// Whether a column keeps text at a fixed length, padded with blanks (char(n), nchar(n)).
+bool isFixedLength(SQLSMALLINT sqlType) { return sqlType == SQL_CHAR || sqlType == SQL_WCHAR; }
+
+/// A fixed-length column's value without the blanks that pad it: the value as Quarn's files keep it.
+void dropPadding(std::string& text)
+{
+    const std::size_t end = text.find_last_not_of(' ');
+    text.erase(end == std::string::npos ? 0 : end + 1);
+}
+
 std::string quoted(const std::string& name, const std::string& quote)
 {
     if (quote.empty() || quote == " ")
@@ -255,6 +266,8 @@ private:
                 if (rc == SQL_SUCCESS)
                     break;
             }
+            if (isFixedLength(sqlTypes_[std::size_t(i)]))
+                dropPadding(text_);
             mirror_.setText(i, text_);
             return true;
         }
@@ -278,8 +291,12 @@ struct ServerTable {
 
 std::string odbcUnreachableMessage(const std::string& connection, const std::string& detail)
 {
-    return "Die Quarn-Datenbank auf dem Server ist nicht erreichbar (" + odbcDisplayString(connection) + ").\r\n" +
-           detail;
+    return odbcUnreachableHeadline(connection) + "\r\n" + withoutPasswordsOf(connection, detail);
+}
+
+std::string odbcUnreachableHeadline(const std::string& connection)
+{
+    return "Die Quarn-Datenbank auf dem Server ist nicht erreichbar (" + maskedConnectionString(connection) + ").";
 }
 
 void readOdbcDatabase(const std::string& connection, MirrorWriter& mirror,
@@ -337,12 +354,12 @@ void readOdbcDatabase(const std::string& connection, MirrorWriter& mirror,
         const QuarnTable* quarn = findQuarnTable(t.name);
         const std::string name = quarn ? std::string(quarn->name) : t.name;
         const std::string failed = "Die Tabelle '" + name + "' der Quarn-Datenbank auf dem Server (" +
-                                   odbcDisplayString(connection) + ") kann nicht gelesen werden.\r\n";
+                                   maskedConnectionString(connection) + ") kann nicht gelesen werden.\r\n";
         Handle stmt(SQL_HANDLE_STMT, dbc.get());
         std::string sql = "SELECT * FROM " + (t.schema.empty() ? "" : quoted(t.schema, quote) + ".") +
                           quoted(t.name, quote);
         if (!stmt || !ok(SQLExecDirect(stmt.get(), reinterpret_cast<SQLCHAR*>(sql.data()), SQL_NTS)))
-            throw DbError(linkerr::OdbcFailed, failed + stmt.error());
+            throw DbError(linkerr::OdbcFailed, failed + withoutPasswordsOf(connection, stmt.error()));
         SQLSMALLINT count = 0;
         SQLNumResultCols(stmt.get(), &count);
         std::vector<MirrorColumn> columns;
@@ -353,13 +370,13 @@ void readOdbcDatabase(const std::string& connection, MirrorWriter& mirror,
             SQLULEN size = 0;
             if (!ok(SQLDescribeCol(stmt.get(), c, columnName, sizeof columnName, &nameLength, &type, &size, &digits,
                                    &nullable)))
-                throw DbError(linkerr::OdbcFailed, failed + stmt.error());
+                throw DbError(linkerr::OdbcFailed, failed + withoutPasswordsOf(connection, stmt.error()));
             columns.push_back({quarnColumnName(reinterpret_cast<char*>(columnName)), mirrorType(type, digits)});
             sqlTypes.push_back(type);
         }
         mirror.beginTable(name, columns);
         if (!TableCopy(stmt.get(), mirror, columns, sqlTypes).run())
-            throw DbError(linkerr::OdbcFailed, failed + stmt.error());
+            throw DbError(linkerr::OdbcFailed, failed + withoutPasswordsOf(connection, stmt.error()));
         mirror.endTable();
     }
 }
