@@ -1,5 +1,6 @@
 #include "HostMirror.h"
 
+#include "ConnectionString.h"
 #include "Database.h"
 #include "FileSystem.h"
 #include "JetFile.h"
@@ -7,6 +8,10 @@
 #include "OdbcDatabase.h"
 #include "QuarnTables.h"
 
+#include <QByteArray>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -45,37 +50,42 @@ std::string upper(std::string s)
     return s;
 }
 
-std::string hex64(std::uint64_t v)
+/// The SHA-256 of a text in hexadecimal digits.
+std::string sha256(const std::string& text)
 {
-    static const char* digits = "0123456789abcdef";
-    std::string s(16, '0');
-    for (int i = 15; i >= 0; --i, v >>= 4)
-        s[std::size_t(i)] = digits[v & 15];
-    return s;
+    return QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256).toHex().toStdString();
 }
 
-std::uint64_t fnv1a(const std::string& text)
-{
-    std::uint64_t h = 0xcbf29ce484222325ull;
-    for (unsigned char c : text) {
-        h ^= c;
-        h *= 0x100000001b3ull;
-    }
-    return h;
-}
-
-/// The key of a source: what names it, without what changes with its content.
+/// The key of a source: what names it, without what changes with its content. A server's key holds
+/// its connection string without the password and a hash of the whole string, so that a mirror file
+/// tells its source from others without keeping the password.
 std::string sourceKey(const HostSource& source, bool allTables)
 {
     std::string key;
     if (source.isOdbc()) {
-        key = "odbc:" + odbcDriverConnectString(source.location);
+        const std::string connection = odbcDriverConnectString(source.location);
+        key = "odbc:" + connectionStringWithoutPassword(connection) + "|sha256:" + sha256(connection);
     } else {
         std::error_code ec;
         const fs::path canonical = fs::weakly_canonical(fs::u8path(nativePath(source.location)), ec);
         key = "file:" + (ec ? nativePath(source.location) : canonical.string());
     }
     return allTables ? key + ":alle" : key;
+}
+
+/// Whether a mirror's identity notes a server's connection string as a whole (mirrors of an earlier
+/// version did, password and all).
+bool notesWholeConnectionString(const std::string& identity)
+{
+    return identity.rfind("odbc:", 0) == 0 && identity.find("|sha256:") == std::string::npos;
+}
+
+/// The cache folder, readable by its user alone: the mirrors hold Quarn's data.
+void makePrivateFolder(const std::string& folder)
+{
+    std::error_code ec;
+    fs::create_directories(fs::u8path(folder), ec);
+    fs::permissions(fs::u8path(folder), fs::perms::owner_all, fs::perm_options::replace, ec);
 }
 
 bool isSqliteFile(const std::string& file)
@@ -165,7 +175,15 @@ std::string HostMirror::defaultCacheFolder()
 
 std::string HostMirror::mirrorPath(const HostSource& source) const
 {
-    return cacheFolder_ + "/quarn-" + hex64(fnv1a(sourceKey(source, allTables_))) + ".sqlite";
+    return cacheFolder_ + "/quarn-" + sha256(sourceKey(source, allTables_)).substr(0, 32) + ".sqlite";
+}
+
+std::string HostMirror::madeAt(const HostSource& source) const
+{
+    const std::string path = mirrorPath(source);
+    if (MirrorWriter::identityOf(path).empty())
+        return {};
+    return QFileInfo(QString::fromStdString(nativePath(path))).lastModified().toString("dd.MM.yyyy hh:mm").toStdString();
 }
 
 std::string HostMirror::identity(const HostSource& source) const
@@ -200,8 +218,10 @@ std::string HostMirror::refresh(const HostSource& source)
 
 void HostMirror::build(const HostSource& source, const std::string& target, const std::string& id)
 {
+    makePrivateFolder(cacheFolder_);
+    if (source.isOdbc())
+        removeMirrorsNotingPasswords();
     std::error_code ec;
-    fs::create_directories(fs::u8path(cacheFolder_), ec);
     const std::string temporary = temporaryName(target);
     try {
         if (source.isOdbc())
@@ -223,6 +243,17 @@ void HostMirror::build(const HostSource& source, const std::string& target, cons
     } catch (...) {
         removeFile(temporary);
         throw;
+    }
+}
+
+void HostMirror::removeMirrorsNotingPasswords() const
+{
+    std::error_code ec;
+    for (fs::directory_iterator it(fs::u8path(cacheFolder_), ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        if (name.rfind("quarn-", 0) == 0 && it->path().extension() == ".sqlite" &&
+            notesWholeConnectionString(MirrorWriter::identityOf(it->path().string())))
+            removeFile(it->path().string());
     }
 }
 

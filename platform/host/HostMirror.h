@@ -8,10 +8,12 @@
 //
 // A file's mirror is known by the file's path, size and time of change and is
 // made anew when one of them changes. A server's mirror is known by its
-// connection string and is made anew only when asked (refresh): at start-up and
+// connection string (noted without its password, with a SHA-256 hash of the
+// whole string) and is made anew only when asked (refresh): at start-up and
 // each time an order is opened. A new mirror is written beside the old one and
 // takes its place only when complete, so a failed reading leaves the last good
-// copy. Quarn's data are only ever read.
+// copy. The cache folder and the mirrors are readable by their user alone
+// (0700, 0600). Quarn's data are only ever read.
 
 #include "HostSource.h"
 #include "LinkedDatabase.h"
@@ -46,6 +48,9 @@ public:
 
     /// The file that holds the mirror of a source (it need not exist yet).
     std::string mirrorPath(const HostSource& source) const;
+    /// When the finished mirror of the source was made, as "TT.MM.JJJJ hh:mm" in local time; empty when
+    /// there is none.
+    std::string madeAt(const HostSource& source) const;
     /// Mirrors this object has written so far.
     int builds() const { return builds_; }
 
@@ -55,6 +60,8 @@ private:
     void buildFromJet(const std::string& file, const std::string& target, const std::string& identity);
     void buildFromSqlite(const std::string& file, const std::string& target, const std::string& identity);
     void buildFromServer(const std::string& connection, const std::string& target, const std::string& identity);
+    /// Removes mirrors of servers whose identity notes the whole connection string (an earlier version's).
+    void removeMirrorsNotingPasswords() const;
 
     std::string cacheFolder_;
     std::string programFolder_;

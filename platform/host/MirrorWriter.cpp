@@ -10,6 +10,10 @@
 
 #include <algorithm>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace qi {
 
 namespace {
@@ -50,6 +54,12 @@ std::string fileUri(const std::string& native)
 MirrorWriter::MirrorWriter(const std::string& path) : path_(path)
 {
     removeFile(path);
+    // The file is readable by its user alone from its first byte on: it holds Quarn's data.
+    const int fd = ::open(nativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd >= 0) {
+        ::fchmod(fd, 0600);
+        ::close(fd);
+    }
     const int rc = sqlite3_open_v2(nativePath(path).c_str(), &db_,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX,
                                    nullptr);

@@ -30,7 +30,8 @@ struct MirrorColumn {
 
 class MirrorWriter {
 public:
-    /// Creates the file at `path` (an existing file is replaced). Throws DbError when that fails.
+    /// Creates the file at `path`, readable by its user alone (an existing file is replaced). Throws
+    /// DbError when that fails.
     explicit MirrorWriter(const std::string& path);
     ~MirrorWriter();
     MirrorWriter(const MirrorWriter&) = delete;

@@ -1,11 +1,16 @@
 // Quarn's tables on a real PostgreSQL server, started by the test, read through
-// psqlODBC into the mirror: the same tables and rows as the installation's files,
-// a server that can't be reached gives the message and leaves the last copy.
+// psqlODBC into the mirror: the same tables and rows as the installation's files
+// (text of fixed-length columns without its padding), a server that can't be
+// reached gives the message and leaves the last copy, and no password of the
+// connection string shows in a message or in the mirror, which its user alone
+// can read.
 
 #include "Database.h"
 #include "DemoInstallation.h"
+#include "FileSystem.h"
 #include "HostMirror.h"
 #include "LinkedDatabase.h"
+#include "MirrorWriter.h"
 #include "PostgresCluster.h"
 #include "QuarnHost.h"
 #include "QuarnTables.h"
@@ -15,6 +20,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <sys/stat.h>
 
 namespace qi {
 namespace {
@@ -142,6 +148,125 @@ TEST_F(OdbcServer, UnreachableServerGivesTheMessageAndKeepsTheLastCopy)
                                     0),
               0u)
         << geb.LastError();
+}
+
+/// The file mode bits of a path (permissions only).
+unsigned modeOf(const std::string& path)
+{
+    struct stat st {};
+    return ::stat(path.c_str(), &st) == 0 ? unsigned(st.st_mode & 07777) : 0u;
+}
+
+/// The connection string with a password holding ';' and '=' in braces (the test server takes any).
+std::string withPassword(const std::string& connection, const std::string& password)
+{
+    const std::string empty = "PWD=;";
+    std::string c = connection;
+    c.replace(c.find(empty), empty.size(), "PWD=" + password + ";");
+    return c;
+}
+
+TEST_F(OdbcServer, MirrorOfAServerKeepsNoPasswordAndOnlyItsUserCanReadIt)
+{
+    const std::string cache = dir.path() + "/Cache";
+    std::filesystem::create_directories(cache);
+    ::chmod(cache.c_str(), 0755);
+    HostMirror m(cache, QI_PROGRAM_DIR);
+    const std::string secret = withPassword(connection, "{Fa;lsch=99}");
+    const std::string path = m.refresh(HostSource::odbc(secret));
+
+    const std::string identity = MirrorWriter::identityOf(path);
+    EXPECT_EQ(identity.find("lsch"), std::string::npos) << identity;
+    EXPECT_NE(identity.find(";UID=quarn"), std::string::npos) << identity;
+    EXPECT_NE(identity.find("|sha256:"), std::string::npos) << identity;
+    EXPECT_EQ(test::readFile(path).find("lsch=99"), std::string::npos);
+    EXPECT_EQ(modeOf(path), 0600u);
+    EXPECT_EQ(modeOf(cache), 0700u);
+    // A file's mirror too.
+    EXPECT_EQ(modeOf(m.mirrorFor(HostSource::file(files + "/QGebaeude.mdb"))), 0600u);
+
+    // Another password names another source; the same string is the same mirror.
+    EXPECT_NE(m.mirrorPath(HostSource::odbc(withPassword(connection, "{Fa;lsch=98}"))), path);
+    EXPECT_EQ(m.mirrorFor(HostSource::odbc(secret)), path);
+    EXPECT_EQ(m.builds(), 2);
+
+    // A mirror of an earlier version that noted the whole string, password and all, goes at the next reading.
+    const std::string old = cache + "/quarn-0123456789abcdef.sqlite";
+    {
+        MirrorWriter w(old);
+        w.finish("odbc:" + odbcDriverConnectString(secret));
+    }
+    ASSERT_TRUE(fileExists(old));
+    m.refresh(HostSource::odbc(secret));
+    EXPECT_FALSE(fileExists(old));
+    EXPECT_TRUE(fileExists(path));
+}
+
+TEST_F(OdbcServer, MessagesOfAServerShowNoPasswordInAnyForm)
+{
+    HostMirror m(dir.path() + "/Cache", QI_PROGRAM_DIR);
+    const std::string base = "ODBC;DRIVER={" + std::string(demo::PostgresCluster::kDriverName) +
+                             "};SERVER=127.0.0.1;PORT=1;DATABASE=quarn;UID=quarn;";
+    const struct {
+        std::string password; ///< as the connection string holds it
+        std::string shown;    ///< as the message shows it
+        std::string secret;   ///< what must not show
+    } forms[] = {
+        {"PWD={Fa;lsch=99};", "PWD=***;", "lsch"},
+        {"PWD = geheim1;", "PWD = ***;", "geheim1"},
+        {"Password=geheim2;", "Password=***;", "geheim2"},
+        {"pwd={ge}}heim3};", "pwd=***;", "heim3"},
+    };
+    for (const auto& f : forms) {
+        SCOPED_TRACE(f.password);
+        try {
+            m.refresh(HostSource::odbc(base + f.password));
+            ADD_FAILURE() << "no error";
+        } catch (const DbError& e) {
+            EXPECT_EQ(e.description().rfind("Die Quarn-Datenbank auf dem Server ist nicht erreichbar (" +
+                                                base + f.shown + ").\r\n",
+                                            0),
+                      0u)
+                << e.description();
+            EXPECT_EQ(e.description().find(f.secret), std::string::npos) << e.description();
+        }
+    }
+}
+
+TEST_F(OdbcServer, FixedLengthTextArrivesWithoutItsPadding)
+{
+    const std::int64_t kst = inst.costCentres.front().id;
+    cluster->runSql("quarn", "ALTER TABLE \"T_IObjekt\" ALTER COLUMN \"stName\" TYPE char(24);\n"
+                             "ALTER TABLE \"T_IObjekt\" ALTER COLUMN \"stOrt\" TYPE char(12);\n"
+                             "ALTER TABLE \"T_IArtikel\" ALTER COLUMN \"stArtNr\" TYPE char(12);\n"
+                             "ALTER TABLE \"T_Raumkern\" ALTER COLUMN \"stRaumNr\" TYPE char(10);\n"
+                             "UPDATE \"T_KST\" SET \"stBezeichnung\" = \"stBezeichnung\" || '  ' WHERE \"lId\" = " +
+                                 std::to_string(kst) + ";\n");
+    HostMirror m = mirror();
+    const std::string server = m.refresh(HostSource::odbc(connection));
+    // The same values as Quarn's files hold.
+    for (const auto& [table, file] : {std::pair<std::string, std::string>{"T_IObjekt", "QOvInventar.mdb"},
+                                      {"T_IArtikel", "QOvInventar.mdb"},
+                                      {"T_Raumkern", "QGebaeude.mdb"}}) {
+        SCOPED_TRACE(table);
+        EXPECT_EQ(rowsOf(server, table), rowsOf(m.mirrorFor(HostSource::file(files + "/" + file)), table));
+    }
+    auto db = Database::open(server, true);
+    EXPECT_EQ(toText(db->scalar("SELECT count(*) FROM T_Raumkern WHERE substr(stRaumNr, -1) = ' '")), "0");
+    EXPECT_EQ(toText(db->scalar("SELECT stName FROM T_IObjekt WHERE lId = ?1",
+                                {std::int64_t(inst.modules[0].objects[1].id)})),
+              inst.modules[0].objects[1].name);
+    // A variable-length column keeps its blanks, as Quarn's files do.
+    EXPECT_EQ(toText(db->scalar("SELECT stBezeichnung FROM T_KST WHERE lId = ?1", {kst})),
+              inst.costCentres.front().name + "  ");
+    // The host components answer the values without padding.
+    QGebDb geb;
+    ASSERT_TRUE(geb.Open(QI_PROGRAM_DIR, HostSource::odbc(connection))) << geb.LastError();
+    std::vector<GebRoom> rooms;
+    ASSERT_TRUE(geb.GetAllRooms(rooms));
+    ASSERT_FALSE(rooms.empty());
+    for (const GebRoom& r : rooms)
+        EXPECT_NE(r.stRaumNr.back(), ' ') << r.stRaumNr;
 }
 
 } // namespace
