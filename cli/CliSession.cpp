@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "JetCollation.h"
+#include "KeptOrders.h"
 #include "ProfileFile.h"
 #include "ProjectAccess.h"
 #include "TextFile.h"
@@ -186,6 +187,10 @@ int Session::dispatch()
         return exportAll();
     if (c == "archiv")
         return archiv();
+    if (c == "gesichert")
+        return gesichert();
+    if (c == "wiederherstellen")
+        return wiederherstellen();
     return kBadArguments;
 }
 
@@ -201,7 +206,11 @@ CAuftragRec* Session::order()
 bool Session::open(CAuftragRec& rec, OrderAccess access)
 {
     db_ = std::make_unique<CAuftragDb>(ui_);
-    return OpenOrderDatabase(*startup_.inventurDb, settings_, ui_, rec, *db_, access) == OrderResult::Done;
+    if (OpenOrderDatabase(*startup_.inventurDb, settings_, ui_, rec, *db_, access, &putBack_) != OrderResult::Done)
+        return false;
+    if (putBack_)
+        say(keptmsg::readBeforeCutOff(rec.stBezeichung));
+    return true;
 }
 
 int Session::openOrder(Intent intent, CAuftragRec*& rec)
@@ -236,7 +245,11 @@ int Session::anlegen()
     rec.Init();
     rec.stBezeichung = name;
     rec.stErsteller = inv_.option("--mitarbeiter");
-    switch (CreateOrder(*startup_.inventurDb, settings_, ui_, rec)) {
+    std::vector<std::string> kept;
+    const OrderResult created = CreateOrder(*startup_.inventurDb, settings_, ui_, rec, &kept);
+    for (const std::string& file : kept)
+        say(keptmsg::kept(file));
+    switch (created) {
     case OrderResult::Done:
         out_ << "Auftrag '" << name << "' angelegt: " << displayPath(orderDatabaseFile(settings_, rec.stPfad)) << '\n';
         return kSuccess;
@@ -251,8 +264,12 @@ int Session::loeschen()
     CAuftragRec* rec = order();
     if (!rec)
         return kOrderUnknown;
-    switch (DeleteOrder(*startup_.inventurDb, settings_, ui_, *rec)) {
-    case OrderResult::Done: break;
+    std::string kept;
+    switch (DeleteOrder(*startup_.inventurDb, settings_, ui_, *rec, &kept)) {
+    case OrderResult::Done:
+        if (!kept.empty())
+            say(keptmsg::kept(kept));
+        break;
     case OrderResult::ReadOnly: return kReadOnly;
     default: return kFailure;
     }

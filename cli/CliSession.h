@@ -59,6 +59,9 @@ private:
     /// Writes the reports (name, output file) of the order the first argument names in the format.
     int writeReports(const std::vector<std::pair<std::string, std::string>>& reports, const std::string& format);
     int archiv();
+    /// The kept order databases (CliKeptOrders.cpp).
+    int gesichert();
+    int wiederherstellen();
 
     /// Runs a change of the order's scan data as one: a refusal, a failure or a conflict without
     /// --konflikt undoes all of it. The exit code.
@@ -89,6 +92,8 @@ private:
     Settings settings_;
     StartupResult startup_;
     CAuftragRecColl orders_;
+    /// The private, put-back copy of an order looked at whose last change was cut off.
+    std::unique_ptr<RolledBackCopy> putBack_;
     std::unique_ptr<CAuftragDb> db_;
 };
 

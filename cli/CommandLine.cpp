@@ -30,7 +30,8 @@ std::vector<CommandInfo> makeCommands()
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderExists, kNameRefused, kReadOnly},
                  {"qinventur-cli anlegen \"Lager Süd\" --mitarbeiter Meier"}});
     c.push_back({"loeschen", "loeschen NAME", "Auftrag löschen",
-                 "Löscht den Auftrag NAME: seine Zeile im Auftragsverzeichnis und seine Datenbank.\n"
+                 "Löscht den Auftrag NAME: seine Zeile im Auftragsverzeichnis und seine Datenbank,\n"
+                 "die zuvor im Ordner \"Inventur\\Gesichert\" gesichert wird (siehe \"gesichert --help\").\n"
                  "Der Ordner \"Inventur\" bleibt. Ein Auftrag, dessen Datenbank nicht im Ordner\n"
                  "\"Inventur\" des Projekts liegt, wird weder gelöscht noch geöffnet.\n",
                  1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
@@ -39,7 +40,8 @@ std::vector<CommandInfo> makeCommands()
                  "Räume eines Auftrags auflisten oder festlegen",
                  "Ohne --setzen: listet die Räume des Auftrags auf, einen je Zeile: Raum, Status,\n"
                  "Datum, Anzahl und Datei, durch Tabulatoren getrennt, mit einer Kopfzeile. Der\n"
-                 "Auftrag wird dabei nur gelesen.\n"
+                 "Auftrag wird dabei nur gelesen. Wurde ein Befehl, der ihn änderte, abgebrochen,\n"
+                 "zeigt er den Stand vor diesem Befehl, gelesen aus einer privaten Kopie.\n"
                  "\n"
                  "Mit --setzen: legt die Räume des Auftrags fest und speichert sie, wie es die\n"
                  "Raumauswahl beim Schließen tut: Die Differenzliste wird geleert, T_Raum neu\n"
@@ -168,6 +170,28 @@ std::vector<CommandInfo> makeCommands()
                  "ersetzt.\n",
                  1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
                  {"qinventur-cli archiv \"Lager Süd\""}});
+    c.push_back({"gesichert", "gesichert", "gesicherte Auftragsdatenbanken auflisten",
+                 "Bevor das Programm die Datenbank eines Auftrags ersetzt (ein neuer Auftrag, dessen\n"
+                 "Datei es schon gibt, auch in anderer Groß- und Kleinschreibung) oder löscht (ein\n"
+                 "gelöschter Auftrag), sichert es sie im Ordner \"Inventur\\Gesichert\" des Projekts,\n"
+                 "unter dem Namen des Auftrags und der Zeit der Sicherung, zum Beispiel\n"
+                 "\"EG 2026-11-25 17-31-05.mdb\". Dieser Befehl listet sie auf, eine je Zeile: Datei,\n"
+                 "Auftrag, Datum der Sicherung, Scans und Dateien (Zeilen der Scandaten und der\n"
+                 "Scannerdateien, \"?\" wenn die Datei keine lesbare Auftragsdatenbank ist), durch\n"
+                 "Tabulatoren getrennt, mit einer Kopfzeile. Die Dateien werden nur gelesen.\n",
+                 0, 0, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable},
+                 {"qinventur-cli gesichert"}});
+    c.push_back({"wiederherstellen", "wiederherstellen DATEI NAME", "gesicherte Auftragsdatenbank zurückholen",
+                 "Holt die gesicherte Datenbank DATEI (ihr Name, wie \"gesichert\" ihn auflistet, oder\n"
+                 "ihr Pfad im Ordner \"Inventur\\Gesichert\") als neuen Auftrag NAME zurück: eine Kopie\n"
+                 "wird \"Inventur\\NAME.mdb\", das Auftragsverzeichnis bekommt eine Zeile für den Auftrag.\n"
+                 "Die gesicherte Datei bleibt. Den Namen prüft der Befehl wie \"anlegen\"; gibt es einen\n"
+                 "Auftrag dieses Namens schon, wird nichts geändert. Rückgabewert 14: Die Datei gibt es\n"
+                 "nicht, oder sie ist keine gesicherte Datei des Projekts.\n",
+                 2, 2, {}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderExists, kNameRefused, kFileMissing,
+                  kReadOnly},
+                 {"qinventur-cli wiederherstellen \"EG 2026-11-25 17-31-05.mdb\" \"EG alt\""}});
     return c;
 }
 
@@ -330,7 +354,7 @@ std::string overallHelp()
            "Befehle:\n";
     for (const CommandInfo& c : commands()) {
         std::string line = "  " + std::string(c.name);
-        line.resize(17, ' ');
+        line.resize(std::max<std::size_t>(17, line.size() + 1), ' ');
         out += line + std::string(c.summary) + "\n";
     }
     out += "\n"

@@ -1,13 +1,17 @@
 #include "Orders.h"
 
 #include "FileSystem.h"
+#include "JetCollation.h"
+#include "KeptOrders.h"
 #include "OrderName.h"
 #include "ProjectAccess.h"
 #include "ReportLinks.h"
+#include "RolledBackCopy.h"
 #include "TableRecordset.h"
 
 #include <cctype>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -69,44 +73,53 @@ std::string namedFile(const Settings& settings, const std::string& stPfad)
     return stPfad;
 }
 
-/// MakeDatabase: the new order's database, made under the staging name and filled; its path.
-std::string makeStagedDatabase(const Settings& settings, UserInteraction& ui, const std::string& name)
+/// MakeDatabase: the new order's database, made under the staging name from `source` (an order
+/// database: the project's empty one, or for `restore` a kept one) and naming the order `name` in
+/// its T_Auftrag; its path.
+std::string makeStagedDatabase(const Settings& settings, UserInteraction& ui, const std::string& name,
+                               const std::string& source, bool restore)
 {
     const std::string folder = orderFolder(settings);
     if (!folderExists(folder) && !createFolder(folder))
         throw RunError(rterr::PathNotFound);
     if (!liesDirectlyIn(folder + "\\" + name + ".mdb", folder))
         throw RunError(rterr::BadFileName);
-    const std::string source = settings.gstProjektPfad + kTemplateOrderDb;
     if (!fileExists(source))
         throw RunError(rterr::FileNotFound);
 
     // What a process that died here left behind goes first.
     const std::string staged = folder + "\\" + kStagingFile;
     removeDatabaseFile(staged);
-    // Only an order database is copied, read in one consistent state; the new file is the
-    // program's own (writable whatever the template's rights).
-    CAuftragDb empty(ui);
-    empty.setDbPath(source);
-    empty.setOpenReadOnly(Value(std::int64_t{-1}));
-    if (!empty.OpenCheckedDb())
-        throw RunError(empty.LastError());
+    // Only an order database is copied, read in one consistent state (a file that a change
+    // was cut off in, as it was before that change); the new file is the program's own
+    // (writable whatever the source's rights).
+    std::unique_ptr<RolledBackCopy> putBack;
+    if (hasJournal(source))
+        putBack = std::make_unique<RolledBackCopy>(source);
+    CAuftragDb from(ui);
+    from.setDbPath(putBack ? putBack->path() : source);
+    from.setOpenReadOnly(Value(std::int64_t{-1}));
+    if (!from.OpenCheckedDb())
+        throw RunError(from.LastError());
     try {
-        empty.database()->copyTo(staged);
+        from.database()->copyTo(staged);
     } catch (const DbError& e) {
         removeDatabaseFile(staged);
-        // A full disk or a locked template says so; any other copy that fails is an access error.
+        // A full disk or a locked source says so; any other copy that fails is an access error.
         if (e.number() == dberr::DiskFull || e.number() == dberr::DiskOrNetwork || e.number() == dberr::Locked)
             throw;
         throw RunError(rterr::PathFileAccess);
     }
-    empty.CloseDb();
+    from.CloseDb();
     try {
         auto db = Database::open(staged);
-        TableRecordset rs(*db, "T_Auftrag");
-        rs.addNew();
-        rs.setField("stAuftrag", name);
-        rs.update();
+        // A new order gets its row; a kept one is renamed (and gets a row when it has none).
+        if (!restore || db->execute("UPDATE T_Auftrag SET stAuftrag = ?1", {name}) == 0) {
+            TableRecordset rs(*db, "T_Auftrag");
+            rs.addNew();
+            rs.setField("stAuftrag", name);
+            rs.update();
+        }
     } catch (...) {
         removeDatabaseFile(staged);
         throw;
@@ -114,9 +127,100 @@ std::string makeStagedDatabase(const Settings& settings, UserInteraction& ui, co
     return staged;
 }
 
+/// The files in the order folder that an order database `target` replaces: the target itself when
+/// it is there, and a file of the same name in another letter case that no register row names
+/// (where the file system tells letter cases apart, and so would leave it beside the new order).
+std::vector<std::string> filesReplacedBy(CInventurDb& reg, const Settings& settings, const std::string& target)
+{
+    namespace fs = std::filesystem;
+    std::vector<std::string> replaced;
+    if (fileExists(target))
+        replaced.push_back(target);
+    const fs::path targetPath = fs::u8path(nativePath(target));
+    const std::string targetName = fileNamePart(target);
+    std::error_code ec;
+    CAuftragRecColl rows;
+    bool rowsRead = false;
+    for (fs::directory_iterator it(fs::u8path(nativePath(orderFolder(settings))), ec), end; !ec && it != end;
+         it.increment(ec)) {
+        const std::string fileName = it->path().filename().string();
+        std::error_code same;
+        if (fileName == targetName || !jetEqual(fileName, targetName) || fs::equivalent(it->path(), targetPath, same))
+            continue;
+        if (!rowsRead && !(rowsRead = reg.ReadAllAuftragRec2Coll(rows)))
+            return replaced; // which rows name it is unknown: it is left as it is
+        bool named = false;
+        for (const CAuftragRec& row : rows) {
+            const std::string file = orderDatabaseFile(settings, row.stPfad);
+            std::error_code eq;
+            named = named || (!file.empty() && fs::equivalent(fs::u8path(nativePath(file)), it->path(), eq));
+        }
+        if (!named)
+            replaced.push_back(orderFolder(settings) + "\\" + fileName);
+    }
+    return replaced;
+}
+
+/// Puts the staged database `staged` in its place as the order `rec` of the register. The files it
+/// replaces are kept first (their paths are added to `kept`). The row is stored, the file takes its
+/// name, then the row is committed: a process that dies in between leaves the register as before,
+/// the old file where it was or kept, and at most a file no row names.
+OrderResult installOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
+                         const std::string& staged, std::vector<std::string>* kept)
+{
+    const std::string target = orderFolder(settings) + "\\" + rec.stBezeichung + ".mdb";
+    // The register names the file relative to the project folder.
+    std::string path = target;
+    const std::string& project = settings.gstProjektPfad;
+    if (path.find(project) != std::string::npos)
+        path = "\\" + path.substr(project.size());
+    rec.stPfad = path;
+
+    std::optional<Database::Transaction> tx;
+    try {
+        if (Database* db = reg.database())
+            tx.emplace(*db);
+        if (!reg.AddNewAuftragRec(&rec)) {
+            tx.reset();
+            removeDatabaseFile(staged);
+            ui.showError(mainlabel::MakeNewOrder, reg.LastError());
+            return OrderResult::Failed;
+        }
+        // No order database is ever lost: what the new one replaces is kept first.
+        for (const std::string& old : filesReplacedBy(reg, settings, target)) {
+            const std::string copy = keepOrderDatabase(settings, old);
+            if (copy.empty())
+                throw RunError(ordermsg::notKept(old));
+            if (kept)
+                kept->push_back(copy);
+            if (old != target)
+                removeDatabaseFile(old);
+        }
+        // A journal left beside an earlier file of that name must not be played into the new one.
+        removeFile(target + "-journal");
+        if (!moveFile(staged, target))
+            throw RunError(rterr::PathFileAccess);
+        if (tx)
+            tx->commit();
+        return OrderResult::Done;
+    } catch (const std::exception& e) {
+        tx.reset();
+        removeDatabaseFile(staged);
+        rec.lID = 0;
+        ui.showError(mainlabel::MakeDatabase, describe(e));
+        return OrderResult::Failed;
+    }
+}
+
 } // namespace
 
 std::string ordermsg::deleteQuestion(const std::string& name) { return "Auftrag '" + name + "' löschen ?"; }
+
+std::string ordermsg::notKept(const std::string& file)
+{
+    return "Die bisherige Datenbank '" + displayPath(file) +
+           "' kann nicht gesichert werden. Sie bleibt, wie sie ist; der Auftrag wird nicht angelegt.";
+}
 
 std::string ordermsg::outsideOrderFolder(const std::string& path)
 {
@@ -150,7 +254,8 @@ std::string orderDatabaseFile(const Settings& settings, const std::string& stPfa
     return path;
 }
 
-OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec)
+OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
+                        std::vector<std::string>* kept)
 {
     if (RefuseProjectChange(settings, ui))
         return OrderResult::ReadOnly;
@@ -164,48 +269,39 @@ OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteract
 
     std::string staged;
     try {
-        staged = makeStagedDatabase(settings, ui, name);
+        staged = makeStagedDatabase(settings, ui, name, settings.gstProjektPfad + kTemplateOrderDb, false);
     } catch (const std::exception& e) {
         ui.showError(mainlabel::MakeDatabase, describe(e));
         return OrderResult::Failed;
     }
-    const std::string target = orderFolder(settings) + "\\" + name + ".mdb";
-    // The register names the file relative to the project folder.
-    std::string path = target;
-    const std::string& project = settings.gstProjektPfad;
-    if (path.find(project) != std::string::npos)
-        path = "\\" + path.substr(project.size());
-    rec.stPfad = path;
-
-    // The row is stored, the file takes its name, then the row is committed: a process that
-    // dies in between leaves the register as before and a file no row names.
-    std::optional<Database::Transaction> tx;
-    try {
-        if (Database* db = reg.database())
-            tx.emplace(*db);
-        if (!reg.AddNewAuftragRec(&rec)) {
-            tx.reset();
-            removeDatabaseFile(staged);
-            ui.showError(mainlabel::MakeNewOrder, reg.LastError());
-            return OrderResult::Failed;
-        }
-        // A journal left beside an earlier file of that name must not be played into the new one.
-        removeFile(target + "-journal");
-        if (!moveFile(staged, target))
-            throw RunError(rterr::PathFileAccess);
-        if (tx)
-            tx->commit();
-        return OrderResult::Done;
-    } catch (const std::exception& e) {
-        tx.reset();
-        removeDatabaseFile(staged);
-        rec.lID = 0;
-        ui.showError(mainlabel::MakeDatabase, describe(e));
-        return OrderResult::Failed;
-    }
+    return installOrder(reg, settings, ui, rec, staged, kept);
 }
 
-OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec)
+OrderResult RestoreOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const std::string& keptFile,
+                         CAuftragRec& rec, std::vector<std::string>* kept)
+{
+    if (RefuseProjectChange(settings, ui))
+        return OrderResult::ReadOnly;
+    const std::string name = rec.stBezeichung;
+    if (const std::string problem = orderNameProblem(name); !problem.empty()) {
+        ui.showError(mainlabel::MakeDatabase, problem);
+        return OrderResult::NameRefused;
+    }
+    rec.erstellt = JetDate::now();
+    rec.letzte_Aenderung = rec.erstellt;
+
+    std::string staged;
+    try {
+        staged = makeStagedDatabase(settings, ui, name, keptFile, true);
+    } catch (const std::exception& e) {
+        ui.showError(mainlabel::MakeDatabase, describe(e));
+        return OrderResult::Failed;
+    }
+    return installOrder(reg, settings, ui, rec, staged, kept);
+}
+
+OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec,
+                        std::string* kept)
 {
     if (RefuseProjectChange(settings, ui))
         return OrderResult::ReadOnly;
@@ -214,17 +310,25 @@ OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteract
         ui.showError(mainlabel::DateiFkt, ordermsg::outsideOrderFolder(namedFile(settings, rec.stPfad)));
         return OrderResult::OutsideProject;
     }
-    // The row goes first: a process that dies before the file is deleted leaves a file no row names.
+    // The row goes first: a process that dies before the file is kept leaves a file no row names.
     if (!reg.DelAuftragRec(rec.lID)) {
         ui.showError(mainlabel::DateiFkt, reg.LastError());
         return OrderResult::Failed;
+    }
+    // The file is kept rather than deleted; one that can't be kept stays where it is.
+    if (fileExists(file)) {
+        const std::string copy = keepOrderDatabase(settings, file);
+        if (copy.empty())
+            return OrderResult::Done;
+        if (kept)
+            *kept = copy;
     }
     removeDatabaseFile(file);
     return OrderResult::Done;
 }
 
 OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
-                              CAuftragDb& db, OrderAccess access)
+                              CAuftragDb& db, OrderAccess access, std::unique_ptr<RolledBackCopy>* putBack)
 {
     try {
         const std::string file = orderDatabaseFile(settings, rec.stPfad);
@@ -235,8 +339,18 @@ OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserIn
         db.setDbPath(file);
         if (access == OrderAccess::Look) {
             db.setOpenReadOnly(Value(std::int64_t{-1}));
-            if (!db.OpenCheckedDb())
+            if (db.OpenCheckedDb())
+                return OrderResult::Done;
+            // A file that a change was cut off in is only put back by a program that changes it;
+            // to look at it, a private copy is put back instead.
+            if (!putBack || !hasJournal(file))
                 throw RunError(db.LastError());
+            *putBack = std::make_unique<RolledBackCopy>(file);
+            db.setDbPath((*putBack)->path());
+            if (!db.OpenCheckedDb()) {
+                putBack->reset();
+                throw RunError(db.LastError());
+            }
             return OrderResult::Done;
         }
         // The order's file is opened and checked before its record is stamped: a file that is

@@ -6,15 +6,21 @@
 //
 // Creating and deleting survive a process that dies on the way: the register and the
 // order's database are then either as before or as after the command. The only trace
-// such a death may leave is an order database that no register row names, which the
-// next order of that name simply replaces.
+// such a death may leave is an order database that no register row names.
+//
+// No order database is ever lost: a file that creating an order would replace, and the
+// file of a deleted order, is kept in "Inventur\Gesichert" first (KeptOrders.h), from
+// where it can be taken back as a new order.
 
 #include "CAuftragDb.h"
 #include "CInventurDb.h"
+#include "RolledBackCopy.h"
 #include "Settings.h"
 #include "UserInteraction.h"
 
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace qi {
 
@@ -38,6 +44,8 @@ inline constexpr const char* SelectFirstTitle = "Achtung";
 inline constexpr const char* DeleteTitle = "Quarn";
 /// "Auftrag '" + name + "' löschen ?"
 std::string deleteQuestion(const std::string& name);
+/// Why an order is not created: the file it would replace can't be kept.
+std::string notKept(const std::string& file);
 /// Why a register row's database is neither opened nor deleted: it lies outside the order folder.
 std::string outsideOrderFolder(const std::string& path);
 } // namespace ordermsg
@@ -89,20 +97,35 @@ std::string orderDatabaseFile(const Settings& settings, const std::string& stPfa
 /// with stPfad "\Inventur\<name>.mdb" (it receives its lID). A name that can't be a file name is
 /// refused before anything is written ("frmMain.MakeDatabase" and why); failures of the database
 /// file report as "frmMain.MakeDatabase", of the register as "frmMain.MakeNewOrder", and leave
-/// neither a register row nor a new file. A file of the same name is replaced.
-OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec);
+/// neither a register row nor a new file. A file of the same name is replaced, after it was kept
+/// (as is a file of that name in another letter case that no register row names); the kept
+/// files' paths are added to `kept`. When a file can't be kept the order is not created.
+OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
+                        std::vector<std::string>* kept = nullptr);
 
-/// Deletes the order `rec`: its register row, then its database file (a file that can't be deleted
-/// is left). A row whose file lies outside the order folder is left as it is, after the message.
-/// Failures report as "frmMain.mnuDateiFkt_Click". The caller has released the order's database.
-OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec);
+/// Takes the kept order database `keptFile` back as the new order that `rec` names, in the same
+/// way as CreateOrder: its copy (put back first when a change of it was cut off) becomes
+/// "Inventur\<name>.mdb" with T_Auftrag naming the order, and the record is stored in the register.
+/// `keptFile` itself stays. A file that is no order database is refused ("frmMain.MakeDatabase").
+OrderResult RestoreOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const std::string& keptFile,
+                         CAuftragRec& rec, std::vector<std::string>* kept = nullptr);
+
+/// Deletes the order `rec`: its register row, then its database file, which is kept first (its
+/// path in `kept`; a file that can't be kept is left where it is). A row whose file lies outside the
+/// order folder is left as it is, after the message. Failures report as "frmMain.mnuDateiFkt_Click".
+/// The caller has released the order's database.
+OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec,
+                        std::string* kept = nullptr);
 
 /// Opens the order `rec` in `db` (which must not be open). For work: the record's letzte_Aenderung
 /// becomes now and its open mark is set, it is written back to the register, the database is opened
-/// for changes and the report database is linked to it. To look: the database is opened read-only.
-/// A row whose file lies outside the order folder is not opened. Failures report as
-/// "frmMain.lvAuftraege_DblClick".
+/// for changes and the report database is linked to it. To look: the database is opened read-only;
+/// when a change of it was cut off (a journal lies beside it) and `putBack` is given, a private copy
+/// put back to the state before that change is opened instead and handed to `putBack` (the order's
+/// file stays as it is). A row whose file lies outside the order folder is not opened. Failures
+/// report as "frmMain.lvAuftraege_DblClick".
 OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
-                              CAuftragDb& db, OrderAccess access = OrderAccess::Work);
+                              CAuftragDb& db, OrderAccess access = OrderAccess::Work,
+                              std::unique_ptr<RolledBackCopy>* putBack = nullptr);
 
 } // namespace qi

@@ -6,7 +6,6 @@
 #include "ReportLinks.h"
 #include "frmWorkSupport.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 // An order that is open read-only (another program works on the project, or its file
@@ -17,20 +16,6 @@
 namespace qi {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-/// A new, empty folder of this program's own below the system's temporary folder.
-std::string newPrivateFolder()
-{
-    std::error_code ec;
-    std::string pattern = (fs::temp_directory_path(ec) / "QInventur-XXXXXX").string();
-    if (ec || !mkdtemp(pattern.data()))
-        throw Failure("Im Ordner für temporäre Dateien kann kein Ordner angelegt werden.");
-    return pattern;
-}
-
-} // namespace
 
 frmWork::PrivateCopy::~PrivateCopy()
 {
@@ -52,6 +37,8 @@ void frmWork::onPrivateCopy(const char* label, const std::function<void(frmWork&
         privateCopy_.reset();
         auto copy = std::make_unique<PrivateCopy>(ui_);
         copy->folder = newPrivateFolder();
+        if (copy->folder.empty())
+            throw Failure(kNoPrivateFolder);
         const std::string order = copy->folder + "/" + fileNamePart(f_DBAuftrag.DbPath());
         Database* source = f_DBAuftrag.database();
         if (!source)

@@ -1,6 +1,7 @@
 #include "FileSystem.h"
 
 #include <QCoreApplication>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
@@ -132,6 +133,21 @@ bool removeFile(const std::string& path)
     return fs::remove(fs::u8path(nativePath(path)), ec) && !ec;
 }
 
+namespace {
+
+/// Writes the folder that holds `file` to the disk: a new name in it is there once the folder is.
+void syncFolderOf(const fs::path& file)
+{
+    const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+} // namespace
+
 bool moveFile(const std::string& from, const std::string& to)
 {
     std::error_code ec;
@@ -139,14 +155,28 @@ bool moveFile(const std::string& from, const std::string& to)
     fs::rename(fs::u8path(nativePath(from)), target, ec);
     if (ec)
         return false;
-    // The new name is on the disk once the folder is.
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
+    syncFolderOf(target);
     return true;
+}
+
+bool linkFile(const std::string& from, const std::string& to)
+{
+    std::error_code ec;
+    const fs::path target = fs::u8path(nativePath(to));
+    fs::create_hard_link(fs::u8path(nativePath(from)), target, ec);
+    if (ec)
+        return false;
+    syncFolderOf(target);
+    return true;
+}
+
+std::string newPrivateFolder()
+{
+    std::error_code ec;
+    std::string pattern = (fs::temp_directory_path(ec) / "QInventur-XXXXXX").string();
+    if (ec || !::mkdtemp(pattern.data()))
+        return {};
+    return pattern;
 }
 
 std::string fileNamePart(const std::string& path)

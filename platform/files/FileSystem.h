@@ -41,6 +41,13 @@ bool removeFile(const std::string& path);
 /// (a process that dies finds either the old or the new file there), and writes the folder
 /// to the disk. False on failure.
 bool moveFile(const std::string& from, const std::string& to);
+/// Gives a file a second name `to` in the same file system, beside its first, and writes the
+/// new name's folder to the disk. False when `to` is taken or the file system can't do it.
+bool linkFile(const std::string& from, const std::string& to);
+/// A new, empty folder of this program's own below the system's temporary folder (readable by
+/// this user alone); empty when none can be made (then kNoPrivateFolder tells why).
+std::string newPrivateFolder();
+inline constexpr const char* kNoPrivateFolder = "Im Ordner für temporäre Dateien kann kein Ordner angelegt werden.";
 /// Everything after the last backslash (or slash).
 std::string fileNamePart(const std::string& path);
 /// Everything up to and including the last backslash (or slash); empty if there is none.
