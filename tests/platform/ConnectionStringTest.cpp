@@ -22,7 +22,7 @@ TEST(ConnectionString, AttributesAreReadAsTheDriverManagerReadsThem)
 
 TEST(ConnectionString, DoubledClosingBracesStandForOneInsideBraces)
 {
-    const auto a = connectionAttributes("PWD={a}}b;c}};DSN=x");
+    const auto a = connectionAttributes("PWD={a}}b;c}}};DSN=x");
     ASSERT_EQ(a.size(), 2u);
     EXPECT_EQ(a[0].value, "a}b;c}");
     EXPECT_EQ(a[1].value, "x");
