@@ -239,16 +239,14 @@ DbError writeError(int error)
 
 TextFileWriter::TextFileWriter(const std::string& path)
 {
-    file_ = std::fopen(nativePath(path).c_str(), "wb");
-    if (!file_)
+    try {
+        file_ = std::make_unique<AtomicFile>(path);
+    } catch (const FileError&) {
         throw DbError(kPathNotFound, "Pfad nicht gefunden");
+    }
 }
 
-TextFileWriter::~TextFileWriter()
-{
-    if (file_)
-        std::fclose(file_);
-}
+TextFileWriter::~TextFileWriter() = default;
 
 void TextFileWriter::writeLine(std::string_view utf8)
 {
@@ -256,20 +254,24 @@ void TextFileWriter::writeLine(std::string_view utf8)
         throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
     std::string bytes = toWindows1252(utf8);
     bytes += "\r\n";
-    errno = 0;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
-        throw writeError(errno);
+    try {
+        file_->write(bytes);
+    } catch (const FileError& e) {
+        file_.reset();
+        throw writeError(e.error());
+    }
 }
 
 void TextFileWriter::close()
 {
     if (!file_)
         return;
-    errno = 0;
-    const int rc = std::fclose(file_);
-    file_ = nullptr;
-    if (rc != 0)
-        throw writeError(errno);
+    const std::unique_ptr<AtomicFile> file = std::move(file_);
+    try {
+        file->commit();
+    } catch (const FileError& e) {
+        throw writeError(e.error());
+    }
 }
 
 } // namespace qi

@@ -3,8 +3,11 @@
 // scanner data files and the archive of scan data use it. Text in the program is
 // UTF-8; the reader converts each line, the writer converts back.
 
+#include "AtomicFile.h"
+
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -51,11 +54,12 @@ private:
     std::string raw_;
 };
 
-/// Writes a text file anew (an existing one is replaced), line by line with CR LF,
-/// converting to Windows-1252. Closed when the writer goes away.
+/// Writes a text file anew, line by line with CR LF, converting to Windows-1252. The file
+/// replaces an existing one only when close() has written all of it (see AtomicFile.h); a
+/// writer that goes away before, or fails, leaves the earlier file as it was.
 class TextFileWriter {
 public:
-    /// Creates the file; DbError 76 "Pfad nicht gefunden" when it can't be created.
+    /// Begins the file; DbError 76 "Pfad nicht gefunden" when it can't be created.
     explicit TextFileWriter(const std::string& path);
     ~TextFileWriter();
     TextFileWriter(const TextFileWriter&) = delete;
@@ -64,11 +68,11 @@ public:
     /// Writes the text and CR LF; DbError 75 on a write failure, 61 "Datenträger voll" when
     /// the disk is full, 3043 on a failure of the disk itself.
     void writeLine(std::string_view utf8);
-    /// Flushes and closes; DbError as writeLine when that fails. Called by the destructor otherwise.
+    /// Writes the rest and puts the file in place; DbError as writeLine when that fails.
     void close();
 
 private:
-    std::FILE* file_ = nullptr;
+    std::unique_ptr<AtomicFile> file_;
 };
 
 } // namespace qi

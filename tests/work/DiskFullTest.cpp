@@ -173,6 +173,7 @@ TEST_F(DiskFullTest, AnArchiveTheDiskCantTakeSaysSoAndLeavesTheOrderAsItIs)
     inOwnMounts([&] {
         projectOnAFullDisk(16 * 1024);
         const std::string before = contentDigest(order());
+        const FileDigests files = diskFiles();
         ScriptedUserInteraction ui;
         CAuftragDb db(ui);
         db.setDbPath(order());
@@ -185,10 +186,32 @@ TEST_F(DiskFullTest, AnArchiveTheDiskCantTakeSaysSoAndLeavesTheOrderAsItIs)
         EXPECT_EQ(ui.messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
         EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
         EXPECT_EQ(contentDigest(order()), before);
-        // The lines written until the disk was full stay in the archive.
-        const std::string archive = readFile(disk + "/Inventur/A1.dat");
-        EXPECT_GT(archive.size(), 0u);
-        EXPECT_LT(archive.size(), 3000u * 40u);
+        // Nothing of the archive stays: the folder holds what it held.
+        EXPECT_FALSE(fs::exists(disk + "/Inventur/A1.dat"));
+        EXPECT_EQ(changedFiles(files, diskFiles()), "");
+    });
+}
+
+TEST_F(DiskFullTest, AnArchiveTheDiskCantTakeLeavesTheEarlierArchiveAsItWas)
+{
+    inOwnMounts([&] {
+        mountRamDisk(disk, 4 * 1024 * 1024);
+        fs::copy(source, disk, fs::copy_options::recursive);
+        writeFile(disk + "/Inventur/A1.dat", "7,4711,01.03.2025,10:00:00,101,INV-1,X-1,I\r\n");
+        fillDisk(disk, 16 * 1024);
+        const FileDigests files = diskFiles();
+        ScriptedUserInteraction ui;
+        CAuftragDb db(ui);
+        db.setDbPath(order());
+        ASSERT_TRUE(db.OpenDb());
+        Settings s = settingsFor(disk);
+        frmWork w(db, s, ui);
+        EXPECT_EQ(w.MakeArchive(), "");
+        db.CloseDb();
+        ASSERT_EQ(ui.messages.size(), 1u);
+        EXPECT_EQ(ui.messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
+        EXPECT_EQ(readFile(disk + "/Inventur/A1.dat"), "7,4711,01.03.2025,10:00:00,101,INV-1,X-1,I\r\n");
+        EXPECT_EQ(changedFiles(files, diskFiles()), "");
     });
 }
 
