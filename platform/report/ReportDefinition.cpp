@@ -1,5 +1,6 @@
 #include "ReportDefinition.h"
 
+#include "AtomicFile.h"
 #include "FileSystem.h"
 #include "ReportError.h"
 
@@ -530,8 +531,7 @@ ReportError definitionError(const std::string& file, int line, const std::string
 
 ReportError cannotWrite(const std::string& path, const std::string& reason)
 {
-    return ReportError("Die Datei '" + displayPath(path) + "' kann nicht geschrieben werden" +
-                       (reason.empty() ? "." : ": " + reason + "."));
+    return ReportError(cannotWriteMessage(path, reason));
 }
 
 ReportDefinition parseReportDefinition(std::string_view text, const std::string& file)

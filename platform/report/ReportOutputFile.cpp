@@ -1,40 +1,36 @@
 #include "ReportOutputFile.h"
 
-#include "FileSystem.h"
 #include "ReportError.h"
-
-#include <cerrno>
-#include <cstring>
 
 namespace qi {
 
-ReportOutputFile::ReportOutputFile(const std::string& path) : path_(path)
+ReportOutputFile::ReportOutputFile(const std::string& path)
 {
-    file_ = std::fopen(nativePath(path).c_str(), "wb");
-    if (!file_)
-        throw cannotWrite(path_, std::strerror(errno));
+    try {
+        file_ = std::make_unique<AtomicFile>(path);
+    } catch (const FileError& e) {
+        throw ReportError(e.what());
+    }
 }
 
-ReportOutputFile::~ReportOutputFile()
-{
-    if (file_)
-        std::fclose(file_);
-}
+ReportOutputFile::~ReportOutputFile() = default;
 
 void ReportOutputFile::write(std::string_view bytes)
 {
-    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
-        throw cannotWrite(path_, std::strerror(errno));
+    try {
+        file_->write(bytes);
+    } catch (const FileError& e) {
+        throw ReportError(e.what());
+    }
 }
 
 void ReportOutputFile::close()
 {
-    std::FILE* f = file_;
-    file_ = nullptr;
-    const bool flushed = std::fflush(f) == 0;
-    const int flushError = errno;
-    if (std::fclose(f) != 0 || !flushed)
-        throw cannotWrite(path_, std::strerror(flushed ? errno : flushError));
+    try {
+        file_->commit();
+    } catch (const FileError& e) {
+        throw ReportError(e.what());
+    }
 }
 
 } // namespace qi

@@ -1,13 +1,21 @@
+#include "AtomicFile.h"
 #include "FileSystem.h"
 #include "Report.h"
 #include "ReportError.h"
+#include "SystemError.h"
 
 #include <QString>
 
 #include <xlsxwriter.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace qi {
 
@@ -56,22 +64,60 @@ std::string numberFormat(int decimals)
     return decimals == 0 ? "#,##0" : "#,##0." + std::string(std::size_t(decimals), '0');
 }
 
-/// The sheet being written, row by row (the workbook keeps only the current row in memory).
+/// Keeps the library's own notes (English, on standard error) from the program's standard error
+/// while it lives; a failure is told by the program itself.
+class QuietStandardError {
+public:
+    QuietStandardError()
+    {
+        std::fflush(stderr);
+        saved_ = ::dup(STDERR_FILENO);
+        const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (saved_ >= 0 && null >= 0)
+            ::dup2(null, STDERR_FILENO);
+        if (null >= 0)
+            ::close(null);
+    }
+    ~QuietStandardError()
+    {
+        std::fflush(stderr);
+        if (saved_ >= 0) {
+            ::dup2(saved_, STDERR_FILENO);
+            ::close(saved_);
+        }
+    }
+    QuietStandardError(const QuietStandardError&) = delete;
+    QuietStandardError& operator=(const QuietStandardError&) = delete;
+
+private:
+    int saved_ = -1;
+};
+
+/// The sheet being written, row by row (the workbook keeps only the current row in memory),
+/// into the new content of the output file, which replaces the earlier file once it is complete.
 class SheetWriter {
 public:
     SheetWriter(const std::string& path) : path_(path)
     {
+        try {
+            file_ = std::make_unique<AtomicFile>(path);
+        } catch (const FileError& e) {
+            throw ReportError(e.what());
+        }
         lxw_workbook_options options{};
         options.constant_memory = LXW_TRUE;
         options.use_zip64 = LXW_TRUE;
-        wb_ = workbook_new_opt(nativePath(path).c_str(), &options);
+        const std::string into = file_->writePath();
+        wb_ = workbook_new_opt(into.c_str(), &options);
         if (!wb_)
             fail();
     }
     ~SheetWriter()
     {
-        if (wb_)
+        if (wb_) {
+            const QuietStandardError quiet;
             workbook_close(wb_);
+        }
     }
     SheetWriter(const SheetWriter&) = delete;
     SheetWriter& operator=(const SheetWriter&) = delete;
@@ -83,14 +129,27 @@ public:
     }
     void close()
     {
-        const lxw_error rc = workbook_close(wb_);
+        lxw_error rc = LXW_NO_ERROR;
+        int error = 0;
+        {
+            const QuietStandardError quiet;
+            errno = 0;
+            rc = workbook_close(wb_);
+            error = errno;
+        }
         wb_ = nullptr;
         if (rc != LXW_NO_ERROR)
-            fail(lxw_strerror(rc));
+            fail(systemErrorReason(error != 0 ? error : EIO));
+        try {
+            file_->commit();
+        } catch (const FileError& e) {
+            throw ReportError(e.what());
+        }
     }
 
 private:
     std::string path_;
+    std::unique_ptr<AtomicFile> file_;
     lxw_workbook* wb_ = nullptr;
 };
 

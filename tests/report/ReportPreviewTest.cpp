@@ -172,7 +172,7 @@ TEST_F(ReportPreviewTest, ACancelledDialogWritesNothingAndAFailedFileIsReported)
     window->pbPdf->click();
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text, "frmReport.SaveAs\r\nDie Datei '" + displayPath(bad) +
-                                       "' kann nicht geschrieben werden: No such file or directory.");
+                                       "' kann nicht geschrieben werden: Die Datei oder der Ordner existiert nicht.");
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
     EXPECT_FALSE(ui.busy);
 }

@@ -1,5 +1,6 @@
 #include "ReportPrinting.h"
 
+#include "AtomicFile.h"
 #include "Report.h"
 #include "ReportError.h"
 
@@ -9,6 +10,7 @@
 #include <QPrinter>
 
 #include <algorithm>
+#include <memory>
 
 namespace qi {
 
@@ -35,12 +37,32 @@ void printReport(const Report& report, QPrinter& printer)
     from = std::clamp(from, 1, layout.pageCount());
     to = std::clamp(to, from, layout.pageCount());
 
+    // Printed into a file, the pages replace an earlier file only when they are all written.
+    const QString outputFile = printer.outputFileName();
+    std::unique_ptr<AtomicFile> file;
+    if (!outputFile.isEmpty()) {
+        try {
+            file = std::make_unique<AtomicFile>(outputFile.toStdString());
+        } catch (const FileError& e) {
+            throw ReportError(e.what());
+        }
+        printer.setOutputFileName(QString::fromStdString(file->writePath()));
+    }
+    struct NameBack {
+        QPrinter& printer;
+        const QString& name;
+        ~NameBack() { printer.setOutputFileName(name); }
+    } nameBack{printer, outputFile};
+
     QPainter painter;
-    if (!painter.begin(&printer))
+    if (!painter.begin(&printer)) {
+        if (file)
+            throw cannotWrite(outputFile.toStdString());
         throw ReportError(printer.printerName().isEmpty()
                               ? std::string("Der Bericht kann nicht gedruckt werden.")
                               : "Der Bericht kann auf dem Drucker '" + printer.printerName().toStdString() +
                                     "' nicht gedruckt werden.");
+    }
     const double dpi = printer.resolution();
     const PagePainter pages(layout, dpi, dpi / 72.0, false);
     for (int page = from; page <= to; ++page) {
@@ -48,7 +70,16 @@ void printReport(const Report& report, QPrinter& printer)
             printer.newPage();
         pages.paint(painter, page - 1);
     }
-    painter.end();
+    const bool ended = painter.end();
+    if (file) {
+        if (!ended)
+            throw cannotWrite(outputFile.toStdString());
+        try {
+            file->commit();
+        } catch (const FileError& e) {
+            throw ReportError(e.what());
+        }
+    }
 }
 
 } // namespace qi
