@@ -5,6 +5,7 @@
 #include "KeptOrders.h"
 #include "ProfileFile.h"
 #include "ProjectAccess.h"
+#include "SystemError.h"
 #include "TextFile.h"
 #include "frmRaum.h"
 #include "frmWork.h"
@@ -381,7 +382,9 @@ int Session::hinzufuegen()
     for (std::size_t i = 1; i < inv_.args.size(); ++i) {
         const std::string path = absolutePath(inv_.args[i]);
         if (!fileExists(path)) {
-            say("Die Datei '" + displayPath(path) + "' gibt es nicht.");
+            // A folder, a pipe or a device is there, but is no file.
+            const std::string notAFile = notAFileMessage(path);
+            say(notAFile.empty() ? "Die Datei '" + displayPath(path) + "' gibt es nicht." : notAFile);
             return kFileMissing;
         }
         files.push_back(path);

@@ -62,6 +62,7 @@ bool RecordDb::fail(const std::string& text)
 bool RecordDb::fail(const std::string& text, const DbError& e)
 {
     lastError_ = text + "\r\n" + e.description();
+    lastErrorNumber_ = e.number();
     return false;
 }
 

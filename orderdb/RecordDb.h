@@ -35,6 +35,9 @@ public:
 
     /// Message of the last failed operation; empty after a success.
     const std::string& LastError() const { return lastError_; }
+    /// The engine's error number of the last failed operation; 0 after a success or a failure
+    /// the engine did not raise.
+    int LastErrorNumber() const { return lastErrorNumber_; }
 
     const std::string& DbPath() const { return dbPath_; }
     void setDbPath(std::string path) { dbPath_ = std::move(path); }
@@ -62,7 +65,11 @@ public:
 
 protected:
     /// Clears LastError (every public operation begins so).
-    void begin() { lastError_.clear(); }
+    void begin()
+    {
+        lastError_.clear();
+        lastErrorNumber_ = 0;
+    }
     /// Sets LastError to the text (and the engine's description); returns false.
     bool fail(const std::string& text);
     bool fail(const std::string& text, const DbError& e);
@@ -101,6 +108,7 @@ private:
     bool readRowsRec2Coll(CRecColl<Rec>& coll, OpenRows open);
 
     std::string lastError_;
+    int lastErrorNumber_ = 0;
     std::string dbPath_;
     Value openOptions_;
     Value openReadOnly_;

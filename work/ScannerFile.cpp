@@ -1,5 +1,7 @@
 #include "ScannerFile.h"
 
+#include "FileSystem.h"
+#include "SystemError.h"
 #include "Value.h"
 
 namespace qi {
@@ -21,11 +23,43 @@ std::string normaliseRoom(const std::string& field)
     return trimBlanks(field.substr(zeros));
 }
 
+ScannerFile::ScannerFile(const std::string& path) : path_(path), reader_(path)
+{
+    if (reader_.startsAsUtf16())
+        throw notScannerText("sie ist in UTF-16 geschrieben");
+}
+
+DbError ScannerFile::notScannerText(const char* why) const
+{
+    return DbError(dberr::PathFileAccess,
+                   "Die Datei '" + displayPath(path_) + "' ist keine Textdatei der Scanner (" + why + ").");
+}
+
+std::string ScannerFile::check(const std::string& path)
+{
+    ScannerFile file(path);
+    std::string first, line;
+    if (!file.nextLine(first))
+        throw DbError(dberr::InputPastEnd, emptyFileMessage(path));
+    while (file.nextLine(line)) {
+    }
+    return first;
+}
+
+bool ScannerFile::nextLine(std::string& line)
+{
+    if (!reader_.readLine(line))
+        return false;
+    if (line.find('\0') != std::string::npos)
+        throw notScannerText("sie enthält Nullzeichen");
+    return true;
+}
+
 bool ScannerFile::nextRecord()
 {
     // The fields that FieldCount and GetField give for the separator ",", found in one
     // pass over the line: a field runs from one past a comma to the next comma.
-    while (reader_.readLine(line_)) {
+    while (nextLine(line_)) {
         commas_.clear();
         for (std::size_t p = line_.find(','); p != std::string::npos; p = line_.find(',', p + 1))
             commas_.push_back(p);

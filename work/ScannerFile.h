@@ -3,6 +3,7 @@
 // comma, no quoting. A line is a record only with at least 8 fields; shorter
 // lines are skipped by every reader. Fields after the eighth are ignored.
 
+#include "DbError.h"
 #include "TextFile.h"
 
 #include <cstdint>
@@ -33,11 +34,19 @@ struct ScanRecord {
 };
 
 /// Reads the records of a scanner data file (Windows-1252 text) from the start.
-/// The file is closed when the reader goes away.
+/// A file that is no text of the scanners is refused with DbError 75: one in UTF-16 ("Die
+/// Datei '…' ist keine Textdatei der Scanner (sie ist in UTF-16 geschrieben).") when it is
+/// opened, one holding NUL bytes ("… (sie enthält Nullzeichen).") at the line that holds them,
+/// one with a line longer than kLongestTextLine at that line. The file is closed when the
+/// reader goes away.
 class ScannerFile {
 public:
-    /// Opens the file; DbError 53 when it can't be opened.
-    explicit ScannerFile(const std::string& path) : reader_(path) {}
+    /// Opens the file; DbError 53 when it is not there, 75 when it is no file or no text of the scanners.
+    explicit ScannerFile(const std::string& path);
+    /// Reads the whole file once, before anything is taken from it, and returns its first line
+    /// (for the date of a data file). The refusals of the reader, and DbError 62 "Die Datei '…'
+    /// ist leer." for a file without a line.
+    static std::string check(const std::string& path);
     /// The next record, skipping lines with fewer than 8 fields; false at the end.
     /// DbError 6 "Überlauf" for a line of more than 32767 fields.
     bool next(ScanRecord& record);
@@ -45,12 +54,15 @@ public:
     bool nextRecord();
     /// Field n (from 1) of the current record, as read.
     std::string field(std::int16_t n) const;
-    /// The next raw line without any check (for the date of a data file); false at the end.
-    bool nextLine(std::string& line) { return reader_.readLine(line); }
+    /// The next line without the check of its fields (for the date of a data file); false at the end.
+    bool nextLine(std::string& line);
     /// Lines read so far, records and skipped lines alike.
     std::int64_t linesRead() const { return reader_.linesRead(); }
 
 private:
+    /// "Die Datei '…' ist keine Textdatei der Scanner (<why>)."
+    DbError notScannerText(const char* why) const;
+    std::string path_;
     TextFileReader reader_;
     std::string line_;
     /// Positions of the commas of line_.

@@ -32,7 +32,6 @@ constexpr const char* kSchonHinzugefuegt = "Datei dieses Namens wurde bereits hi
 constexpr const char* kNichtMehrDa =
     "Die Datei ist an der ursprünglichen Stelle nicht mehr vorhanden. Stellen Sie den alten Zustand wieder her "
     "oder bauen Sie die Dateiliste neu auf";
-constexpr int kInputPastEnd = 62;
 constexpr const char* kFilter = "Alle Dateien (*.*)|*.*|Scannerdaten (*.dat)|*.dat";
 
 } // namespace
@@ -174,6 +173,7 @@ bool frmWork::GetDataFromDat()
 {
     // One transaction for the whole file; what was stored before an error is kept all the same.
     std::optional<KeptTransaction> tx;
+    importError_ = 0;
     try {
         ensureHost();
         const QObjektDb::LookupBatch lookups(*f_GebDb);
@@ -242,6 +242,10 @@ bool frmWork::GetDataFromDat()
     } catch (const std::exception& e) {
         // Keeps the lines stored before the error; the first error is the one the user needs to see.
         tx.reset();
+        if (const auto* engine = dynamic_cast<const DbError*>(&e))
+            importError_ = engine->number();
+        else if (dynamic_cast<const Failure*>(&e))
+            importError_ = f_DBAuftrag.LastErrorNumber();
         ui_.showError("frmWork.GetDataFromDat", e.what());
         return false;
     }
@@ -314,14 +318,8 @@ FileListResult frmWork::AddDataFile(const std::string& path)
         CDateienRec datei;
         datei.stName = fileNamePart(f_stfilename);
         datei.stPfad = f_stfilename;
-        {
-            ScannerFile file(f_stfilename);
-            std::string firstLine;
-            // An empty file has no first line to take the date from.
-            if (!file.nextLine(firstLine))
-                throw DbError(kInputPastEnd, "Einlesen hinter Dateiende");
-            datei.Datum = GetField(firstLine, ",", 3);
-        }
+        // A file that is no text of the scanners, or empty, is refused before anything is written.
+        datei.Datum = GetField(ScannerFile::check(f_stfilename), ",", 3);
 
         const auto refuse = [this](const char* text, FileListResult why) {
             ui_.setBusy(false);
@@ -339,8 +337,9 @@ FileListResult frmWork::AddDataFile(const std::string& path)
         // one: a process that dies on the way leaves the order as it was before the file.
         KeptTransaction tx(f_DBAuftrag);
         if (!f_DBAuftrag.AddNewDateienRec(&datei)) {
-            // Only a name the order holds already is refused so; a disk that can't take the row says why.
-            if (storageFailed())
+            // Only a name the order holds already is refused so; a disk that can't take the row, or
+            // a path longer than its field holds, says why.
+            if (storageFailed() || f_DBAuftrag.LastErrorNumber() == dberr::FieldTooSmall)
                 throw Failure(f_DBAuftrag.LastError());
             return refuse(kSchonHinzugefuegt, FileListResult::AlreadyAdded);
         }
@@ -349,6 +348,15 @@ FileListResult frmWork::AddDataFile(const std::string& path)
         ui_.processEvents();
         bool ok = DatEinlesen();
         ui_.processEvents();
+        if (importError_ == dberr::FieldTooSmall) {
+            // A value longer than its field holds refuses the whole file (the import said why):
+            // nothing of it stays, not even its row in the list.
+            tx.rollback();
+            ui_.setBusy(false);
+            Init();
+            InitData();
+            return FileListResult::Failed;
+        }
         const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
         if (storageFailed()) {
             // The disk took nothing of the file (the import said why): the order is as before it.

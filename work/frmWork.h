@@ -183,6 +183,8 @@ private:
     UserInteraction& ui_;
     std::unique_ptr<QGebDb> ownGebDb_;
     int progressDepth_ = 0;
+    /// The engine's number of the error that stopped the last GetDataFromDat; 0 when it read to the end.
+    int importError_ = 0;
     friend class ProgressScope;
 };
 

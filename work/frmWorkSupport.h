@@ -52,6 +52,12 @@ public:
         if (tx_)
             tx_->commit();
     }
+    /// Undoes everything the procedure wrote; nothing is committed afterwards.
+    void rollback()
+    {
+        if (tx_)
+            tx_->rollback();
+    }
 
 private:
     std::optional<Database::Transaction> tx_;

@@ -23,6 +23,9 @@ inline constexpr int SyntaxError = 3075;        ///< statement the engine cannot
 inline constexpr int General = 3000;            ///< anything else
 inline constexpr int DiskFull = 61;             ///< no room left on the disk
 inline constexpr int DiskOrNetwork = 3043;      ///< the disk or the network failed while reading or writing
+inline constexpr int FieldTooSmall = 3163;      ///< a text longer than its field holds
+inline constexpr int InputPastEnd = 62;         ///< a file to read holds nothing
+inline constexpr int PathFileAccess = 75;       ///< a file that can't be read as asked (no file, not readable, no text)
 } // namespace dberr
 
 /// Descriptions of the errors of the disk itself.

@@ -67,4 +67,15 @@ std::int16_t toInt16(const Value& v) { return checkedInt16(toLong(v)); }
 
 void incrementInt16(std::int16_t& counter) { counter = checkedInt16(std::int64_t{counter} + 1); }
 
+std::size_t characterCount(std::string_view utf8)
+{
+    std::size_t count = 0;
+    for (const char c : utf8) {
+        // Continuation bytes belong to the character before them.
+        if ((static_cast<unsigned char>(c) & 0xC0) != 0x80)
+            ++count;
+    }
+    return count;
+}
+
 } // namespace qi

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace qi {
@@ -24,5 +25,7 @@ std::int16_t toInt16(const Value& v);
 std::int16_t checkedInt16(std::int64_t n);
 /// Adds one to a 16-bit counter; throws DbError "Überlauf" past 32767.
 void incrementInt16(std::int16_t& counter);
+/// Characters of a UTF-8 text: its code points (the bytes that continue a character don't count).
+std::size_t characterCount(std::string_view utf8);
 
 } // namespace qi

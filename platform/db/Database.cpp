@@ -2,8 +2,10 @@
 
 #include "FileSystem.h"
 #include "JetCollation.h"
+#include "SystemError.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cctype>
 #include <filesystem>
 #include <sqlite3.h>
@@ -89,6 +91,39 @@ std::string missingTableName(const std::string& message)
 {
     const auto colon = message.find(": ");
     return colon == std::string::npos ? message : message.substr(colon + 2);
+}
+
+/// What kind of failure an SQLite result code stands for, in German words.
+std::string engineFailure(int rc)
+{
+    switch (rc & 0xff) {
+    case SQLITE_ERROR:
+        return "Die Anweisung kann nicht ausgeführt werden";
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+        return "Zugriff verweigert";
+    case SQLITE_ABORT:
+    case SQLITE_INTERRUPT:
+        return "Der Vorgang wurde abgebrochen";
+    case SQLITE_NOMEM:
+        return "Nicht genügend Arbeitsspeicher";
+    case SQLITE_PROTOCOL:
+        return "Die Datei kann nicht gesperrt werden";
+    case SQLITE_SCHEMA:
+        return "Der Aufbau der Datenbank hat sich geändert";
+    case SQLITE_TOOBIG:
+        return "Der Wert ist zu groß";
+    case SQLITE_CONSTRAINT:
+        return "Der Wert verletzt eine Bedingung der Tabelle";
+    case SQLITE_MISMATCH:
+        return "Datentypen unverträglich";
+    case SQLITE_NOLFS:
+        return "Die Datei ist zu groß";
+    case SQLITE_RANGE:
+        return "Die Werte passen nicht zur Anweisung";
+    default:
+        return "Fehler des Datenbankmoduls";
+    }
 }
 
 } // namespace
@@ -200,6 +235,27 @@ const Value& Recordset::field(std::size_t column) const
     return rows_[pos_][column];
 }
 
+namespace {
+/// Jet's size of a text field that names none.
+constexpr std::size_t kJetTextSize = 255;
+
+/// The most characters a column of the declared type holds (see ColumnInfo::textSize).
+std::size_t textSizeOf(const std::string& declared)
+{
+    const std::string type = lower(declared);
+    const std::size_t open = type.find('(');
+    std::string name = type.substr(0, open);
+    while (!name.empty() && name.back() == ' ')
+        name.pop_back();
+    if (name != "text" && name != "varchar" && name != "char" && name != "nvarchar" && name != "nchar")
+        return 0;
+    if (open == std::string::npos)
+        return kJetTextSize;
+    const unsigned long size = std::strtoul(type.c_str() + open + 1, nullptr, 10);
+    return size > 0 ? std::size_t(size) : kJetTextSize;
+}
+} // namespace
+
 // ---------------------------------------------------------------- names
 
 bool NameLess::operator()(std::string_view a, std::string_view b) const
@@ -258,7 +314,7 @@ std::unique_ptr<Database> Database::open(const std::string& path, bool readOnly)
     // The engine would take an empty file for a new database and write one into it.
     std::error_code ec;
     if (std::filesystem::file_size(std::filesystem::u8path(native), ec) == 0 && !ec)
-        throw DbError(dberr::UnrecognizedFormat, "Die Datei '" + displayPath(path) + "' ist leer.");
+        throw DbError(dberr::UnrecognizedFormat, emptyFileMessage(path));
     startEngine();
     sqlite3* raw = nullptr;
     const int flags = (readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) | SQLITE_OPEN_NOMUTEX;
@@ -397,10 +453,12 @@ DbError Database::errorFor(int rc, std::string_view sql) const
                            "' nicht. Stellen Sie sicher, dass sie existiert und dass der Name richtig geschrieben ist.");
     if (message.rfind("no such column", 0) == 0)
         return DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + missingTableName(message) + ").");
-    std::string text = "Datenbankfehler: " + message;
+    // The engine's own words are English: a person reads what kind of failure it was, its
+    // number, and the statement the engine could not run.
+    std::string text = "Datenbankfehler " + std::to_string(rc) + ": " + engineFailure(rc);
     if (!sql.empty() && (rc & 0xff) == SQLITE_ERROR)
         text += " (" + std::string(sql.substr(0, 120)) + ")";
-    return DbError(dberr::General, text);
+    return DbError(dberr::General, text + ".");
 }
 
 Statement& Database::prepare(std::string_view sql)
@@ -567,6 +625,7 @@ const TableInfo& Database::tableInfo(std::string_view name)
             c.defaultValue = parseDefault(reinterpret_cast<const unsigned char*>(toText(row[2]).c_str()));
         c.isKey = toLong(row[3]) == 1;
         c.isInteger16 = lower(c.declaredType) == "smallint";
+        c.textSize = textSizeOf(c.declaredType);
         if (c.isKey)
             info.keyColumn = int(info.columns.size());
         info.columns.push_back(std::move(c));

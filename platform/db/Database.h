@@ -83,6 +83,9 @@ struct ColumnInfo {
     Value defaultValue;
     bool isKey = false;
     bool isInteger16 = false;
+    /// The most characters a text column holds: the size its type names ("TEXT(50)"), or
+    /// Jet's text default of 255; 0 for a column that is no text.
+    std::size_t textSize = 0;
 };
 
 /// Orders names (of tables and columns) with ASCII letter case ignored; looks them up

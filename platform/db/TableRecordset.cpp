@@ -2,6 +2,7 @@
 
 #include "JetCollation.h"
 #include "SqlName.h"
+#include "Value.h"
 
 namespace qi {
 
@@ -180,6 +181,13 @@ void TableRecordset::setField(int i, Value value)
             throw DbError(dberr::NumericOverflow, "Numerischer Feldüberlauf.");
         value = n;
     }
+    if (const std::size_t size = info_.columns[std::size_t(i)].textSize; size > 0)
+        if (const auto* text = std::get_if<std::string>(&value))
+            if (const std::size_t length = characterCount(*text); length > size)
+                throw DbError(dberr::FieldTooSmall, "Der Wert für das Feld '" + info_.columns[std::size_t(i)].name +
+                                                        "' der Tabelle '" + info_.name + "' ist " +
+                                                        std::to_string(length) + " Zeichen lang; das Feld nimmt höchstens " +
+                                                        std::to_string(size) + " Zeichen auf.");
     current_[std::size_t(i)] = std::move(value);
 }
 

@@ -125,9 +125,17 @@ std::string notAFileMessage(const std::string& path)
     const fs::file_status status = fs::status(fs::u8path(nativePath(path)), ec);
     if (ec || status.type() == fs::file_type::not_found || status.type() == fs::file_type::regular)
         return {};
-    if (status.type() == fs::file_type::directory)
-        return quoted(path) + " ist ein Ordner, keine Datei.";
-    return quoted(path) + " ist keine Datei.";
+    return notAFileMessage(path, status.type() == fs::file_type::directory);
+}
+
+std::string notAFileMessage(const std::string& path, bool folder)
+{
+    return quoted(path) + (folder ? " ist ein Ordner, keine Datei." : " ist keine Datei.");
+}
+
+std::string emptyFileMessage(const std::string& path)
+{
+    return "Die Datei " + quoted(path) + " ist leer.";
 }
 
 } // namespace qi

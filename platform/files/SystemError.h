@@ -27,5 +27,9 @@ std::string systemErrorMessage(const std::error_code& error, const std::string& 
 /// that is there but is no regular file (a pipe, a device), "" for a regular file or a path
 /// that is not there.
 std::string notAFileMessage(const std::string& path);
+/// The text above for a path known to be a folder (`folder`) or some other thing that is no file.
+std::string notAFileMessage(const std::string& path, bool folder);
+/// "Die Datei '…' ist leer."
+std::string emptyFileMessage(const std::string& path);
 
 } // namespace qi

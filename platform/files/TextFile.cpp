@@ -2,12 +2,17 @@
 
 #include "DbError.h"
 #include "FileSystem.h"
+#include "SystemError.h"
 
 #include <array>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <unordered_map>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace qi {
 
@@ -158,11 +163,37 @@ bool readTextFile(const std::string& path, std::string& text)
 
 // ---------------------------------------------------------------- reader
 
-TextFileReader::TextFileReader(const std::string& path)
+TextFileReader::TextFileReader(const std::string& path, std::size_t longestLine)
+    : path_(path), longestLine_(longestLine)
 {
-    file_ = std::fopen(nativePath(path).c_str(), "rb");
-    if (!file_)
-        throw DbError(kFileNotFound, "Datei nicht gefunden");
+    // Opened without waiting, so that a pipe without a writer is refused rather than waited for.
+    const int fd = ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        const int error = errno;
+        if (error == ENOENT)
+            throw DbError(kFileNotFound, "Datei nicht gefunden");
+        throw DbError(kPathFileAccess, systemErrorMessage(error, path, PathKind::File));
+    }
+    struct stat status {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+        const bool folder = S_ISDIR(status.st_mode);
+        ::close(fd);
+        throw DbError(kPathFileAccess, notAFileMessage(path, folder));
+    }
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    file_ = ::fdopen(fd, "rb");
+    if (!file_) {
+        const int error = errno;
+        ::close(fd);
+        throw DbError(kPathFileAccess, systemErrorMessage(error, path, PathKind::File));
+    }
+    fill();
+    if (buffer_.rfind("\xEF\xBB\xBF", 0) == 0) {
+        utf8_ = true;
+        pos_ = 3;
+    } else {
+        utf16_ = buffer_.rfind("\xFF\xFE", 0) == 0 || buffer_.rfind("\xFE\xFF", 0) == 0;
+    }
 }
 
 TextFileReader::~TextFileReader()
@@ -179,11 +210,12 @@ bool TextFileReader::fill()
     pos_ = 0;
     const std::size_t old = buffer_.size();
     buffer_.resize(old + kChunk);
+    errno = 0;
     const std::size_t got = std::fread(buffer_.data() + old, 1, kChunk, file_);
     buffer_.resize(old + got);
     if (got < kChunk) {
         if (std::ferror(file_))
-            throw DbError(kPathFileAccess, "Fehler beim Zugriff auf Pfad/Datei");
+            throw DbError(kPathFileAccess, systemErrorMessage(errno, path_, PathKind::File));
         eof_ = true;
     }
     return got > 0;
@@ -205,6 +237,10 @@ bool TextFileReader::readLine(std::string& line)
         std::size_t n = 0;
         while (n < avail && begin[n] != '\n' && begin[n] != '\r')
             ++n;
+        if (raw_.size() + n > longestLine_)
+            throw DbError(kPathFileAccess, "Die Zeile " + std::to_string(lines_ + 1) + " der Datei '" +
+                                               displayPath(path_) + "' ist länger als " +
+                                               std::to_string(longestLine_) + " Zeichen.");
         raw_.append(begin, n);
         pos_ += n;
         if (n == avail)
@@ -218,7 +254,7 @@ bool TextFileReader::readLine(std::string& line)
         }
         break;
     }
-    line = fromWindows1252(raw_);
+    line = utf8_ && isUtf8(raw_) ? raw_ : fromWindows1252(raw_);
     ++lines_;
     return true;
 }

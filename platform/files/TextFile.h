@@ -28,28 +28,43 @@ bool isUtf8(std::string_view bytes);
 /// any other as Windows-1252. False when it can't be read.
 bool readTextFile(const std::string& path, std::string& text);
 
+/// The longest line a text reader hands out, in bytes (characters of the code page).
+inline constexpr std::size_t kLongestTextLine = 64 * 1024;
+
 /// Reads a text file line by line. A line ends at CR LF, at LF or at a lone CR;
-/// a last line without end counts. Any byte is accepted; lines may be of any length.
+/// a last line without end counts. Any byte is accepted. A UTF-8 byte-order mark at the
+/// start is skipped, and the lines of such a file that are well-formed UTF-8 are taken as
+/// they are. Memory stays bounded by the longest line allowed, whatever the file holds.
 /// The file is closed when the reader goes away.
 class TextFileReader {
 public:
-    /// Opens the file; DbError 53 "Datei nicht gefunden" when it can't be opened.
-    explicit TextFileReader(const std::string& path);
+    /// Opens the file: DbError 53 "Datei nicht gefunden" when it is not there, 75 naming the
+    /// path and the reason when it is no regular file ("'…' ist ein Ordner, keine Datei.",
+    /// "'…' ist keine Datei.") or can't be read ("Zugriff auf '…' verweigert.").
+    explicit TextFileReader(const std::string& path, std::size_t longestLine = kLongestTextLine);
     ~TextFileReader();
     TextFileReader(const TextFileReader&) = delete;
     TextFileReader& operator=(const TextFileReader&) = delete;
 
-    /// The next line as UTF-8 without its end; false at the end of the file.
+    /// The next line as UTF-8 without its end; false at the end of the file. DbError 75
+    /// "Die Zeile <n> der Datei '…' ist länger als <m> Zeichen." for a longer line, found
+    /// without holding more of it than the limit.
     bool readLine(std::string& line);
     /// Lines handed out so far.
     std::int64_t linesRead() const { return lines_; }
+    /// True when the file begins with a UTF-16 byte-order mark (FF FE or FE FF).
+    bool startsAsUtf16() const { return utf16_; }
 
 private:
     bool fill();
+    std::string path_;
+    std::size_t longestLine_;
     std::FILE* file_ = nullptr;
     std::string buffer_;
     std::size_t pos_ = 0;
     bool eof_ = false;
+    bool utf8_ = false;
+    bool utf16_ = false;
     std::int64_t lines_ = 0;
     std::string raw_;
 };

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <string_view>
 #include <sqlite3.h>
 
 namespace qi {
@@ -38,7 +39,12 @@ public:
 
     bool ok() const { return rc_ == SQLITE_OK && stmt_; }
     bool multiple() const { return multiple_; }
-    std::string error() const { return sqlite3_errmsg(db_.handle()); }
+    /// The failure of preparing the statement, in German words.
+    std::string error() const { return error(rc_); }
+    /// The failure of a step with result `rc`, in German words.
+    std::string error(int rc) const { return db_.errorFor(rc).description(); }
+    /// True when the statement names a table the database lacks.
+    bool noSuchTable() const { return std::string_view(sqlite3_errmsg(db_.handle())).rfind("no such table", 0) == 0; }
     sqlite3_stmt* get() const { return stmt_; }
 
 private:
@@ -203,11 +209,10 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
     {
         Query probe(db, "SELECT * FROM " + from + " LIMIT 0");
         if (!probe.ok()) {
-            const std::string error = probe.error();
-            if (def.sql.empty() && error.rfind("no such table", 0) == 0)
+            if (def.sql.empty() && probe.noSuchTable())
                 throw definitionError(def.file, def.sourceLine,
                                       "Die Datenquelle \"" + def.source + "\" gibt es in der Berichtsdatenbank nicht.");
-            throw definitionError(def.file, def.sourceLine, "Die Datenquelle kann nicht gelesen werden: " + error);
+            throw definitionError(def.file, def.sourceLine, "Die Datenquelle kann nicht gelesen werden: " + probe.error());
         }
         const int n = sqlite3_column_count(probe.get());
         for (int i = 0; i < n; ++i)
@@ -257,7 +262,7 @@ ReportTable readReportRows(ReportDefinition& def, Database& db)
             break;
         if (rc != SQLITE_ROW)
             throw definitionError(def.file, def.sourceLine,
-                                  "Die Datenquelle kann nicht gelesen werden: " + query.error());
+                                  "Die Datenquelle kann nicht gelesen werden: " + query.error(rc));
         for (int i = 0; i < n; ++i) {
             ReportTable::Kind kind = ReportTable::Kind::Text;
             switch (sqlite3_column_type(st, i)) {

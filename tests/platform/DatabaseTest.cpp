@@ -112,6 +112,60 @@ TEST_F(DatabaseTest, SixteenBitColumnsOverflow)
     EXPECT_EQ(toLong(db->scalar("SELECT iZahl FROM T_X")), 32767);
 }
 
+TEST_F(DatabaseTest, TextLongerThanItsFieldIsError3163AndLeavesTheRowAsItWas)
+{
+    auto db = open();
+    db->executeScript("CREATE TABLE T_Kurz (lID INTEGER PRIMARY KEY AUTOINCREMENT, stKurz TEXT(10), stMemo MEMO);");
+    TableRecordset rs(*db, "T_X");
+    rs.addNew();
+    rs.setField("stName", std::string(255, 'x'));
+    try {
+        rs.setField("stName", std::string(256, 'y'));
+        FAIL() << "no error";
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.number(), dberr::FieldTooSmall);
+        EXPECT_EQ(e.description(), "Der Wert für das Feld 'stName' der Tabelle 'T_X' ist 256 Zeichen lang; das Feld "
+                                   "nimmt höchstens 255 Zeichen auf.");
+    }
+    EXPECT_EQ(toText(rs.field("stName")), std::string(255, 'x'));
+    rs.update();
+    // Characters count, not bytes: 255 umlauts fit, one more does not.
+    rs.addNew();
+    std::string umlauts;
+    for (int i = 0; i < 255; ++i)
+        umlauts += "Ä";
+    rs.setField("stName", umlauts);
+    EXPECT_THROW(rs.setField("stName", umlauts + "Ä"), DbError);
+    rs.update();
+    EXPECT_EQ(toLong(db->scalar("SELECT count(*) FROM T_X")), 2);
+    // A size the column names holds; a column that is no text has none.
+    TableRecordset kurz(*db, "T_Kurz");
+    kurz.addNew();
+    kurz.setField("stKurz", std::string(10, 'k'));
+    EXPECT_THROW(kurz.setField("stKurz", std::string(11, 'k')), DbError);
+    kurz.setField("stMemo", std::string(5000, 'm'));
+    kurz.update();
+    EXPECT_EQ(toText(db->scalar("SELECT stMemo FROM T_Kurz")).size(), 5000u);
+}
+
+TEST_F(DatabaseTest, TheEnginesOwnWordsAreToldInGerman)
+{
+    auto db = open();
+    const auto description = [&](const std::string& sql) {
+        try {
+            db->execute(sql);
+        } catch (const DbError& e) {
+            EXPECT_EQ(e.number(), dberr::General);
+            return e.description();
+        }
+        return std::string("no error");
+    };
+    EXPECT_EQ(description("SELEC 1"), "Datenbankfehler 1: Die Anweisung kann nicht ausgeführt werden (SELEC 1).");
+    db->executeScript("CREATE TABLE T_Pflicht (stWert TEXT NOT NULL);");
+    EXPECT_EQ(description("INSERT INTO T_Pflicht (stWert) VALUES (NULL)"),
+              "Datenbankfehler 1299: Der Wert verletzt eine Bedingung der Tabelle.");
+}
+
 TEST_F(DatabaseTest, ValuesWithQuotesAndKeywordsRoundTrip)
 {
     auto db = open();

@@ -77,3 +77,10 @@ TEST(SystemError, WhatIsThereButIsNoFileIsNamed)
     EXPECT_EQ(notAFileMessage(dir.file("pipe.dat")), "'" + displayPath(dir.file("pipe.dat")) + "' ist keine Datei.");
     EXPECT_EQ(notAFileMessage("/dev/null"), "'/dev/null' ist keine Datei.");
 }
+
+TEST(SystemError, KnownKindsOfPathsAndEmptyFiles)
+{
+    EXPECT_EQ(notAFileMessage("/p\\Inventur", true), "'/p/Inventur' ist ein Ordner, keine Datei.");
+    EXPECT_EQ(notAFileMessage("/p/pipe", false), "'/p/pipe' ist keine Datei.");
+    EXPECT_EQ(emptyFileMessage("/p\\a.dat"), "Die Datei '/p/a.dat' ist leer.");
+}

@@ -146,7 +146,7 @@ TEST_F(ReportModelTest, AnUnknownSourceOrFailingStatementNamesItsLine)
                   .find("Zeile 3: Die Datenquelle \"T_Fehlt\" gibt es in der Berichtsdatenbank nicht."),
               std::string::npos);
     EXPECT_NE(openError(definition("q.rpt", "[Bericht]\nTitel = T\nSQL = SELECT nix FROM T_Daten\n[Spalte]\nFeld = a\n"))
-                  .find("Zeile 3: Die Datenquelle kann nicht gelesen werden: no such column: nix"),
+                  .find("Zeile 3: Die Datenquelle kann nicht gelesen werden: Element in dieser Auflistung nicht gefunden (nix)."),
               std::string::npos);
     EXPECT_NE(openError(definition("q.rpt", "[Bericht]\nTitel = T\nSQL = SELECT 1 AS a; SELECT 2 AS a\n[Spalte]\nFeld = a\n"))
                   .find("Zeile 3: \"SQL\" darf nur eine Abfrage enthalten."),

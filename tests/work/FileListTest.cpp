@@ -119,7 +119,8 @@ TEST_F(FileListTest, EmptyDataFileEndsWithTheProcedureMessageAndIsNotAdded)
     writeFile(f, "");
     addFile(f);
     ASSERT_EQ(ui.messages.size(), 1u);
-    expectMessage(0, "frmWork.pbAdd_Click\r\nEinlesen hinter Dateiende", MsgIcon::Critical, "QInventur");
+    expectMessage(0, "frmWork.pbAdd_Click\r\nDie Datei '" + displayPath(f) + "' ist leer.", MsgIcon::Critical,
+                  "QInventur");
     EXPECT_FALSE(ui.busy);
     EXPECT_TRUE(files().empty());
     // A first line without records still gives the file its date and passes the checks.
