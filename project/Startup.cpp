@@ -1,5 +1,7 @@
 #include "Startup.h"
 
+#include "AtomicFile.h"
+#include "Database.h"
 #include "FileSystem.h"
 #include "HostMirror.h"
 #include "ProjectAccess.h"
@@ -7,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <exception>
+#include <filesystem>
 
 namespace qi {
 
@@ -223,20 +226,65 @@ bool CheckDB_Reports(const Settings& settings)
     return CheckDB_Reports(settings, profile);
 }
 
+namespace {
+
+/// True for a database file that is empty, cut short or no database at all, as a copy left
+/// it that stopped half-way.
+bool damagedDatabase(const std::string& path)
+{
+    if (!fileExists(path))
+        return false;
+    try {
+        Database::open(path, true);
+        return false;
+    } catch (const DbError& e) {
+        return e.number() == dberr::UnrecognizedFormat;
+    }
+}
+
+/// True when the folder holds the database of an order.
+bool holdsOrders(const std::string& folder)
+{
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    for (fs::directory_iterator it(fs::u8path(nativePath(folder)), ec), end; !ec && it != end; it.increment(ec)) {
+        std::error_code fe;
+        if (it->is_regular_file(fe) && upper(it->path().extension().string()) == ".MDB")
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 bool CheckDB_Reports(const Settings& settings, const ProfileService& profile)
 {
     try {
         const std::string tpl = settings.gstAppPfad + "\\Leeres Projekt\\";
         const std::string& project = settings.gstProjektPfad;
-        if (profile.FileExists(project + "QInventur.mdb"))
+        // A project with its register is left alone, unless an earlier seeding stopped half-way
+        // and left the register or the order template damaged, before any order was made.
+        if (profile.FileExists(project + "QInventur.mdb") &&
+            !((damagedDatabase(project + "QInventur.mdb") || damagedDatabase(project + "QAuftrag.mdb")) &&
+              !holdsOrders(project + "Inventur\\")))
             return true;
-        if (!copyFile(tpl + "QInventur.mdb", project + "QInventur.mdb"))
+        // Every file is copied whole under a hidden name and then takes its own. The register is
+        // copied first but takes its name last: a start that dies on the way leaves no register,
+        // and the next start seeds again. After a failure the files copied so far take their names.
+        AtomicFile registerFile(project + "QInventur.mdb");
+        const auto copy = [&] {
+            registerFile.copyFrom(tpl + "QInventur.mdb");
+            copyFileWhole(tpl + "QAuftrag.mdb", project + "QAuftrag.mdb");
+            for (const char* report : kReportFiles)
+                copyFileWhole(tpl + "Report\\" + report, project + "Report" + report);
+        };
+        try {
+            copy();
+        } catch (const FileError&) {
+            registerFile.commit();
             return false;
-        if (!copyFile(tpl + "QAuftrag.mdb", project + "QAuftrag.mdb"))
-            return false;
-        for (const char* report : kReportFiles)
-            if (!copyFile(tpl + "Report\\" + report, project + "Report" + report))
-                return false;
+        }
+        registerFile.commit();
         return true;
     } catch (...) {
         return false;

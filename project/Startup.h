@@ -62,7 +62,10 @@ bool refreshServerMirror(const Settings& settings, UserInteraction& ui);
 /// Seeds the project folder from the template folder gstAppPfad + "\Leeres Projekt\" unless it already
 /// holds "QInventur.mdb": the register, "QAuftrag.mdb" and the eight report files, the latter copied to
 /// gstProjektPfad + "Report" + file name (so "Reportinvraum.rpt" ... in the project folder itself).
-/// False when a copy failed; the copying stops there and files already copied stay.
+/// False when a copy failed; the copying stops there and files already copied stay. Each file is
+/// copied whole or not at all (AtomicFile.h), and the register takes its name last, so that a start
+/// that dies while seeding leaves no register. A register that an interrupted seeding left empty
+/// or cut short, or one beside such a "QAuftrag.mdb", is seeded again while "Inventur\" holds no order.
 bool CheckDB_Reports(const Settings& settings);
 /// The same with a given profile service.
 bool CheckDB_Reports(const Settings& settings, const ProfileService& profile);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 
 namespace qi {
@@ -340,6 +341,111 @@ TEST_F(StartupTest, CheckDbReportsOverwritesOlderCopies)
     EXPECT_TRUE(CheckDB_Reports(settings));
     EXPECT_EQ(test::readFile(project + "/Reportinvart.rpt"), "Report invart.rpt");
     EXPECT_NE(test::readFile(project + "/QAuftrag.mdb"), "alt");
+}
+
+/// The files seeding puts in the project folder, compared with the template's.
+void expectSeeded(const std::string& program, const std::string& project)
+{
+    EXPECT_EQ(test::readFile(project + "/QInventur.mdb"), test::readFile(program + "/Leeres Projekt/QInventur.mdb"));
+    EXPECT_EQ(test::readFile(project + "/QAuftrag.mdb"), test::readFile(program + "/Leeres Projekt/QAuftrag.mdb"));
+    for (const char* r : kReportFiles)
+        EXPECT_EQ(test::readFile(project + "/Report" + r), std::string("Report ") + r) << r;
+}
+
+/// The first half of a file's bytes, as a copy that stopped half-way leaves it.
+std::string cutShort(const std::string& file)
+{
+    const std::string bytes = test::readFile(file);
+    return bytes.substr(0, bytes.size() / 2);
+}
+
+TEST_F(StartupTest, SeedingLeavesNoFileButTheSpecifiedOnes)
+{
+    quarnIni(project);
+    const auto r = run();
+    EXPECT_TRUE(r.completed);
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(project))
+        if (entry.path().filename().string()[0] == '~')
+            names.insert(entry.path().filename().string());
+    EXPECT_TRUE(names.empty()) << *names.begin();
+}
+
+TEST_F(StartupTest, AnEmptyRegisterLeftByAnInterruptedSeedingIsSeededAgain)
+{
+    writeFile(project + "/QInventur.mdb", "");
+    quarnIni(project);
+    const auto r = run();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_TRUE(r.completed);
+    expectSeeded(program, project);
+}
+
+TEST_F(StartupTest, ACutShortRegisterLeftByAnInterruptedSeedingIsSeededAgain)
+{
+    writeFile(project + "/QInventur.mdb", cutShort(program + "/Leeres Projekt/QInventur.mdb"));
+    quarnIni(project);
+    const auto r = run();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_TRUE(r.completed);
+    expectSeeded(program, project);
+}
+
+TEST_F(StartupTest, AnEmptyOrderTemplateLeftByAnInterruptedSeedingIsSeededAgain)
+{
+    test::makeRegisterDatabase(project + "/QInventur.mdb");
+    writeFile(project + "/QAuftrag.mdb", "");
+    quarnIni(project);
+    EXPECT_TRUE(run().completed);
+    expectSeeded(program, project);
+}
+
+TEST_F(StartupTest, ACutShortOrderTemplateLeftByAnInterruptedSeedingIsSeededAgain)
+{
+    test::makeRegisterDatabase(project + "/QInventur.mdb");
+    writeFile(project + "/QAuftrag.mdb", cutShort(program + "/Leeres Projekt/QAuftrag.mdb"));
+    quarnIni(project);
+    EXPECT_TRUE(run().completed);
+    expectSeeded(program, project);
+}
+
+TEST_F(StartupTest, ADamagedRegisterBesideAnOrderIsNeverSeeded)
+{
+    writeFile(project + "/QInventur.mdb", "");
+    fs::create_directories(project + "/Inventur");
+    test::makeOrderDatabase(project + "/Inventur/EG.mdb");
+    quarnIni(project);
+    const auto r = run();
+    EXPECT_FALSE(r.completed);
+    EXPECT_EQ(test::readFile(project + "/QInventur.mdb"), "");
+    EXPECT_FALSE(fs::exists(project + "/QAuftrag.mdb"));
+    EXPECT_FALSE(fs::exists(project + "/Reportinvraum.rpt"));
+}
+
+TEST_F(StartupTest, ADamagedOrderTemplateBesideAnOrderIsNeverSeeded)
+{
+    test::makeRegisterDatabase(project + "/QInventur.mdb");
+    writeFile(project + "/QAuftrag.mdb", "");
+    fs::create_directories(project + "/Inventur");
+    test::makeOrderDatabase(project + "/Inventur/EG.mdb");
+    quarnIni(project);
+    EXPECT_TRUE(run().completed);
+    EXPECT_EQ(test::readFile(project + "/QAuftrag.mdb"), "");
+    EXPECT_FALSE(fs::exists(project + "/Reportinvraum.rpt"));
+}
+
+TEST_F(StartupTest, SeedingThatFailsAtTheOrderTemplateKeepsTheRegisterAndNoHiddenFile)
+{
+    // A copy of the template that can't be read stops seeding; the register was copied before.
+    fs::remove(program + "/Leeres Projekt/QAuftrag.mdb");
+    fs::create_directories(program + "/Leeres Projekt/QAuftrag.mdb");
+    settings.gstAppPfad = program;
+    settings.gstProjektPfad = project + "\\";
+    EXPECT_FALSE(CheckDB_Reports(settings));
+    EXPECT_EQ(test::readFile(project + "/QInventur.mdb"), test::readFile(program + "/Leeres Projekt/QInventur.mdb"));
+    EXPECT_FALSE(fs::exists(project + "/QAuftrag.mdb"));
+    for (const auto& entry : fs::directory_iterator(project))
+        EXPECT_NE(entry.path().filename().string()[0], '~') << entry.path();
 }
 
 // ------------------------------------------------------------------ unexpected errors
