@@ -1,10 +1,13 @@
 #include "CliSession.h"
 
 #include "FileSystem.h"
+#include "HostMirror.h"
 #include "JetCollation.h"
+#include "OdbcDatabase.h"
 #include "KeptOrders.h"
 #include "ProfileFile.h"
 #include "ProjectAccess.h"
+#include "ProjectChoice.h"
 #include "SystemError.h"
 #include "TextFile.h"
 #include "frmRaum.h"
@@ -13,6 +16,7 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
+#include <set>
 #include <sstream>
 
 namespace qi::cli {
@@ -60,6 +64,39 @@ ExitCode exitCodeOf(FileListResult r)
     return kFailure;
 }
 
+/// Why a scanner file was not added, after the message that told it.
+std::string notAdded(const std::string& path, FileListResult r)
+{
+    const std::string file = "Die Datei '" + displayPath(path) + "'";
+    if (r != FileListResult::Failed && r != FileListResult::Cancelled)
+        for (const ExitCodeInfo& info : kExitCodes)
+            if (info.code == exitCodeOf(r))
+                return file + " ist abgewiesen: " + std::string(info.meaning) + ".";
+    return file + " konnte nicht hinzugefügt werden (siehe die Meldung oben).";
+}
+
+/// Whether the command changes the order (or the project's orders, or writes the order's archive).
+bool changesTheOrder(const Invocation& inv)
+{
+    static const std::set<std::string> changing = {"anlegen",      "loeschen",  "hinzufuegen", "entfernen",
+                                                   "neu-einlesen", "auswerten", "archiv",      "wiederherstellen"};
+    return changing.count(inv.command) > 0 || (inv.command == "raeume" && inv.has("--setzen"));
+}
+
+/// Told when a command changed the order as asked although errors were reported on its way.
+constexpr const char* kChangedDespiteErrors =
+    "Warnung: Der Befehl ist ausgeführt und seine Änderung gespeichert; die Fehlermeldungen oben haben sie "
+    "nicht verhindert.";
+
+/// Told when a command did its work on the last copy of Quarn's data (made at `madeAt`) while the
+/// server could not be reached.
+std::string serverWarning(const std::string& madeAt)
+{
+    return "Warnung: Der Server der Quarn-Datenbank war nicht erreichbar. Der Befehl hat mit der letzten Kopie "
+           "ihrer Daten vom " +
+           madeAt + " gearbeitet.";
+}
+
 /// One room of `raeume --setzen`: its number and the status asked for ("L", "N" or none).
 struct WantedRoom {
     std::string number;
@@ -98,6 +135,12 @@ Session::~Session() = default;
 void Session::say(const std::string& text) { err_ << ConsoleUserInteraction::format("qinventur-cli", text) << '\n'; }
 
 void Session::unchanged() { say("Der Auftrag bleibt, wie er vor dem Befehl war."); }
+
+std::string Session::lastCopyOfServer() const
+{
+    return HostMirror(HostMirror::defaultCacheFolder(), programFolder_)
+        .madeAt(HostSource::odbc(settings_.gstConnectionString));
+}
 
 int Session::run()
 {
@@ -138,6 +181,21 @@ int Session::run()
         }
     }
 
+    // Without a project to work on the command is refused before anything is written anywhere.
+    const std::string noProject = inv_.projekt.empty() ? missingProjectOfQuarnIni(programFolder_)
+                                                       : emptyGivenProject(absolutePath(inv_.projekt));
+    if (!noProject.empty()) {
+        say(noProject);
+        return kNoProject;
+    }
+    // A server that can't be reached is told as the windows tell it; while the last copy of its data
+    // serves, as a warning.
+    ui_.setWarningTest([this](const std::string& text) {
+        return !settings_.isJet() && !settings_.gstConnectionString.empty() &&
+               text.find(odbcUnreachableHeadline(settings_.gstConnectionString)) != std::string::npos &&
+               !lastCopyOfServer().empty();
+    });
+
     if (inv_.projekt.empty()) {
         startup_ = RunStartup(programFolder_, settings_, ui_);
     } else {
@@ -159,8 +217,16 @@ int Session::run()
         ui_.showError("qinventur-cli." + inv_.command, e.what());
         return kFailure;
     }
-    // Whatever a command reported as an error makes it fail, unless it ended with a refusal of its own.
-    return code == kSuccess && ui_.errorCount() > 0 ? kFailure : code;
+    // Whatever a command reported as an error makes it fail, unless it ended with a refusal of its own
+    // or it changed the order as asked: that change stands, and the errors are told as a warning.
+    if (code == kSuccess && ui_.errorCount() > 0) {
+        if (!changesTheOrder(inv_))
+            return kFailure;
+        say(kChangedDespiteErrors);
+    }
+    if (code == kSuccess && ui_.warningCount() > 0)
+        say(serverWarning(lastCopyOfServer()));
+    return code;
 }
 
 int Session::dispatch()
@@ -396,15 +462,24 @@ int Session::hinzufuegen()
     work.f_QGebDb = startup_.gebDb.get();
     if (const FileListResult rooms = work.RoomsSelected(); rooms != FileListResult::Done)
         return exitCodeOf(rooms);
-    // All files or none: a refused file undoes the files added before it.
-    return asOneChange([&] {
+    // All files or none: a refused file undoes the files added before it. The files are told as
+    // added once the change is committed; a refused one is named with the reason.
+    std::vector<std::string> added;
+    const int code = asOneChange([&] {
         for (const std::string& path : files) {
-            if (const FileListResult r = work.AddDataFile(path); r != FileListResult::Done)
+            if (const FileListResult r = work.AddDataFile(path); r != FileListResult::Done) {
+                if (r != FileListResult::ReadOnly)
+                    say(notAdded(path, r));
                 return r;
-            out_ << "Datei '" << fileNamePart(path) << "' hinzugefügt.\n";
+            }
+            added.push_back(fileNamePart(path));
         }
         return FileListResult::Done;
     });
+    if (code == kSuccess)
+        for (const std::string& name : added)
+            out_ << "Datei '" << name << "' hinzugefügt.\n";
+    return code;
 }
 
 int Session::asOneChange(const std::function<FileListResult()>& change)

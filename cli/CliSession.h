@@ -83,6 +83,8 @@ private:
     void say(const std::string& text);
     /// Told after a command stopped and undid what it did.
     void unchanged();
+    /// When the last copy of the ODBC project's server data was made ("TT.MM.JJJJ hh:mm"); empty when there is none.
+    std::string lastCopyOfServer() const;
 
     const Invocation& inv_;
     std::string programFolder_;

@@ -195,6 +195,15 @@ std::vector<CommandInfo> makeCommands()
     return c;
 }
 
+/// Every command that opens a project may also find none to work on.
+std::vector<CommandInfo> withNoProjectCode(std::vector<CommandInfo> all)
+{
+    for (CommandInfo& c : all)
+        if (std::find(c.exitCodes.begin(), c.exitCodes.end(), kProjectUnusable) != c.exitCodes.end())
+            c.exitCodes.push_back(kNoProject);
+    return all;
+}
+
 bool contains(const std::vector<std::string_view>& list, std::string_view s)
 {
     return std::find(list.begin(), list.end(), s) != list.end();
@@ -241,7 +250,7 @@ std::string exampleLines(const std::vector<std::string_view>& examples)
 
 const std::vector<CommandInfo>& commands()
 {
-    static const std::vector<CommandInfo> all = makeCommands();
+    static const std::vector<CommandInfo> all = withNoProjectCode(makeCommands());
     return all;
 }
 
@@ -349,7 +358,9 @@ std::string overallHelp()
            "  qinventur-cli --help\n"
            "\n"
            "Das Projekt ist das aktuelle Projekt aus \"Quarn.ini\" im Programmordner, wie beim\n"
-           "Programm QInventur, oder der Ordner hinter --projekt.\n"
+           "Programm QInventur, oder der Ordner hinter --projekt. Ohne --projekt arbeitet\n"
+           "qinventur-cli nur, wenn \"Quarn.ini\" einen Projektordner nennt, den es gibt und der\n"
+           "Dateien enthält; sonst legt es nirgends etwas an und endet mit dem Rückgabewert 16.\n"
            "\n"
            "Befehle:\n";
     for (const CommandInfo& c : commands()) {

@@ -46,7 +46,9 @@ MsgResult ConsoleUserInteraction::messageBox(const std::string& text, MsgButtons
 {
     if (buttons == MsgButtons::YesNo)
         return MsgResult::Yes;
-    if (icon == MsgIcon::Critical || title == "Problem")
+    if (isWarning_ && isWarning_(text))
+        ++warnings_;
+    else if (icon == MsgIcon::Critical || title == "Problem")
         ++errors_;
     clearProgress();
     err_ << format(title, text) << '\n' << std::flush;

@@ -63,8 +63,14 @@ public:
         std::function<void(const std::string& reportFile, const std::string& dataFile, const std::string& title)>;
     void setReportWriter(ReportWriter writer) { writer_ = std::move(writer); }
 
-    /// Messages that told of an error (critical icon, or the title "Problem") so far.
+    /// Messages that told of an error (critical icon, or the title "Problem") so far, warnings not counted.
     int errorCount() const { return errors_; }
+
+    /// Messages for which `isWarning` answers true are written as they are but count as warnings, not
+    /// as errors (a server that can't be reached while the last copy of its data serves).
+    void setWarningTest(std::function<bool(const std::string& text)> isWarning) { isWarning_ = std::move(isWarning); }
+    /// Messages that the warning test took for warnings so far.
+    int warningCount() const { return warnings_; }
 
     /// One message "[title] text" as the console writes it.
     static std::string format(const std::string& title, const std::string& text);
@@ -84,7 +90,9 @@ private:
     std::string progressTitle_;
     ConflictPolicy policy_ = ConflictPolicy::None;
     ReportWriter writer_;
+    std::function<bool(const std::string&)> isWarning_;
     int errors_ = 0;
+    int warnings_ = 0;
 };
 
 } // namespace qi

@@ -23,6 +23,7 @@ enum ExitCode : int {
     kUnresolvedConflict = 13, ///< an object scanned in two rooms and no --konflikt given
     kFileMissing = 14,      ///< a scanner file is not there, or not a file of the order
     kReadOnly = 15,         ///< the project or the order may only be looked at
+    kNoProject = 16,        ///< no project to work on: "Quarn.ini" names none (without --projekt), or its folder is empty
 };
 
 struct ExitCodeInfo {
@@ -48,6 +49,8 @@ inline constexpr ExitCodeInfo kExitCodes[] = {
     {kUnresolvedConflict, "Objekt in zwei Räumen eingescannt und kein --konflikt angegeben"},
     {kFileMissing, "Scannerdatei nicht vorhanden oder nicht im Auftrag"},
     {kReadOnly, "Projekt oder Auftrag nur zum Ansehen geöffnet (von einem anderen Programm bearbeitet oder schreibgeschützt)"},
+    {kNoProject, "kein Projekt: ohne --projekt fehlt \"Quarn.ini\" oder nennt keinen Projektordner, den es gibt "
+                 "und der Dateien enthält; oder der Ordner hinter --projekt ist leer"},
 };
 
 } // namespace qi::cli

@@ -270,6 +270,9 @@ TEST_F(CliCommandsTest, RefusedFilesEndWithTheirExitCodeAndLeaveNoTrace)
     expectCli(0, roomArgs("Nord"));
     expectCli(0, {"hinzufuegen", "Nord", scanFile("Scan_EG_Teil1.dat"), "--konflikt", "behalten"});
     const std::string before = contentDigest(orderFile("Nord"));
+    const auto refused = [&](const std::string& file, const std::string& reason) {
+        return "[qinventur-cli] Die Datei '" + displayPath(scanFile(file)) + "' ist abgewiesen: " + reason + ".\n";
+    };
     const auto expectUnchanged = [&] {
         EXPECT_EQ(contentDigest(orderFile("Nord")), before);
         EXPECT_FALSE(fileExists(orderFile("Nord") + "-journal"));
@@ -278,34 +281,38 @@ TEST_F(CliCommandsTest, RefusedFilesEndWithTheirExitCodeAndLeaveNoTrace)
     CliRun r = expectCli(9, {"hinzufuegen", "Nord", scanFile("Scan_Raum_ausserhalb.dat")});
     EXPECT_EQ(r.err, "[Quarn-Inventur] In der Datei sind Räume enthalten, die nicht zum Auftrag gehören. Bearbeiten "
                      "Sie bitte die Textdatei.\n" +
+                         refused("Scan_Raum_ausserhalb.dat", "Datei enthält Räume, die nicht zum Auftrag gehören") +
                          kUnchanged);
     expectUnchanged();
 
     r = expectCli(10, {"hinzufuegen", "Nord", scanFile("Scan_Zwei_Tage.dat")});
     EXPECT_EQ(r.err, "[Quarn-Inventur] In der Datei sind Daten an verschiedenen Tagen aufgenommen worden. Bearbeiten "
                      "Sie bitte die Textdatei.\n" +
-                         kUnchanged);
+                         refused("Scan_Zwei_Tage.dat", "Datei enthält Daten verschiedener Tage") + kUnchanged);
     expectUnchanged();
 
     r = expectCli(11, {"hinzufuegen", "Nord", scanFile("Scan_EG_Teil1.dat")});
-    EXPECT_EQ(r.err, "[Quarn-Inventur] In der Datei sind Daten von Räumen, die bereits eingelesen wurden.\n" + kUnchanged);
+    EXPECT_EQ(r.err, "[Quarn-Inventur] In der Datei sind Daten von Räumen, die bereits eingelesen wurden.\n" +
+                         refused("Scan_EG_Teil1.dat", "Räume der Datei sind bereits eingelesen") + kUnchanged);
     expectUnchanged();
 
     // Another file under the name of one added before.
     fs::create_directories(root.file("anders"));
     fs::copy_file(scanFile("Scan_EG_Teil2.dat"), root.file("anders/Scan_EG_Teil1.dat"));
     r = expectCli(12, {"hinzufuegen", "Nord", root.file("anders/Scan_EG_Teil1.dat"), "--konflikt", "behalten"});
-    EXPECT_EQ(r.err, "[Quarn-Inventur] Datei dieses Namens wurde bereits hinzugefügt.\n" + kUnchanged);
+    EXPECT_EQ(r.err, "[Quarn-Inventur] Datei dieses Namens wurde bereits hinzugefügt.\n[qinventur-cli] Die Datei '" +
+                         displayPath(root.file("anders/Scan_EG_Teil1.dat")) +
+                         "' ist abgewiesen: Datei dieses Namens ist bereits hinzugefügt.\n" + kUnchanged);
     expectUnchanged();
 
     r = expectCli(14, {"hinzufuegen", "Nord", root.file("fehlt.dat")});
     EXPECT_EQ(r.err, "[qinventur-cli] Die Datei '" + displayPath(root.file("fehlt.dat")) + "' gibt es nicht.\n");
     expectUnchanged();
 
-    // A refused file undoes the good one before it.
+    // A refused file undoes the good one before it, which is not told as added.
     r = expectCli(10, {"hinzufuegen", "Nord", scanFile("Scan_EG_Teil2.dat"), scanFile("Scan_Zwei_Tage.dat"),
                        "--konflikt", "verwerfen"});
-    EXPECT_EQ(r.out, "Datei 'Scan_EG_Teil2.dat' hinzugefügt.\n");
+    EXPECT_EQ(r.out, "");
     expectUnchanged();
     EXPECT_EQ(rows("Nord", "T_Dateien"), 1);
 }

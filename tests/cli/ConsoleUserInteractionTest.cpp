@@ -32,6 +32,24 @@ TEST(ConsoleUserInteraction, MessagesGoOutWithTheirTitleAndCountErrors)
                          "[Problem] Zuerst müssen Räume ausgewählt werden!\n");
 }
 
+TEST(ConsoleUserInteraction, MessagesTheWarningTestTakesAreWarningsNotErrors)
+{
+    std::ostringstream err;
+    ConsoleUserInteraction ui(err, false);
+    ui.setWarningTest([](const std::string& text) { return text.find("nicht erreichbar") != std::string::npos; });
+    ui.messageBox("Der Server ist nicht erreichbar.", MsgButtons::Ok, MsgIcon::Critical, "Problem");
+    ui.showError("COVRpt.CheckReportMdbLink", "Der Server ist nicht erreichbar.");
+    EXPECT_EQ(ui.errorCount(), 0);
+    EXPECT_EQ(ui.warningCount(), 2);
+    ui.showError("frmWork.GetDataFromDat", "Überlauf");
+    EXPECT_EQ(ui.errorCount(), 1);
+    EXPECT_EQ(ui.warningCount(), 2);
+    // Written as they are.
+    EXPECT_EQ(err.str(), "[Problem] Der Server ist nicht erreichbar.\n"
+                         "[QInventur] COVRpt.CheckReportMdbLink\nDer Server ist nicht erreichbar.\n"
+                         "[QInventur] frmWork.GetDataFromDat\nÜberlauf\n");
+}
+
 TEST(ConsoleUserInteraction, QuestionsAreAnsweredYesWithoutAWord)
 {
     std::ostringstream err;
