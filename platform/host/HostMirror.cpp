@@ -7,6 +7,7 @@
 #include "MirrorWriter.h"
 #include "OdbcDatabase.h"
 #include "QuarnTables.h"
+#include "SystemError.h"
 
 #include <QByteArray>
 #include <QCryptographicHash>
@@ -238,7 +239,7 @@ void HostMirror::build(const HostSource& source, const std::string& target, cons
         fs::rename(fs::u8path(temporary), fs::u8path(target), ec);
         if (ec)
             throw DbError(dberr::General, "Der Spiegel '" + target + "' kann nicht geschrieben werden.\r\n" +
-                                              ec.message());
+                                              systemErrorReason(ec) + ".");
         ++builds_;
     } catch (...) {
         removeFile(temporary);

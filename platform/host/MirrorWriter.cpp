@@ -5,6 +5,7 @@
 #include "JetCollation.h"
 #include "QuarnTables.h"
 #include "SqlName.h"
+#include "SystemError.h"
 
 #include <sqlite3.h>
 
@@ -78,11 +79,18 @@ MirrorWriter::~MirrorWriter()
     sqlite3_close_v2(db_);
 }
 
+std::string MirrorWriter::failure(int rc) const
+{
+    // The engine's own words are English: the system's failure behind it, or the engine's number.
+    if (const int error = sqlite3_system_errno(db_); error != 0)
+        return systemErrorReason(error) + ".";
+    return "Fehler " + std::to_string(rc) + " des Datenbankmoduls.";
+}
+
 void MirrorWriter::check(int rc)
 {
     if (rc != SQLITE_OK && rc != SQLITE_DONE && rc != SQLITE_ROW)
-        throw DbError(dberr::General, "Der Spiegel '" + path_ + "' kann nicht geschrieben werden.\r\n" +
-                                          sqlite3_errmsg(db_));
+        throw DbError(dberr::General, "Der Spiegel '" + path_ + "' kann nicht geschrieben werden.\r\n" + failure(rc));
 }
 
 void MirrorWriter::exec(const std::string& sql) { check(sqlite3_exec(db_, sql.c_str(), nullptr, nullptr, nullptr)); }

@@ -64,6 +64,8 @@ public:
     static std::string identityOf(const std::string& path);
 
 private:
+    /// The failure behind an engine result, in German words.
+    std::string failure(int rc) const;
     void check(int rc);
     void exec(const std::string& sql);
     std::string path_;
