@@ -337,12 +337,9 @@ OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserIn
             return OrderResult::OutsideProject;
         }
         db.setDbPath(file);
-        if (access == OrderAccess::Look) {
-            db.setOpenReadOnly(Value(std::int64_t{-1}));
-            if (db.OpenCheckedDb())
-                return OrderResult::Done;
-            // A file that a change was cut off in is only put back by a program that changes it;
-            // to look at it, a private copy is put back instead.
+        // A file that a change was cut off in is only put back by a program that may change it;
+        // a program that may only read it reads a private copy put back instead.
+        const auto openPutBack = [&] {
             if (!putBack || !hasJournal(file))
                 throw RunError(db.LastError());
             *putBack = std::make_unique<RolledBackCopy>(file);
@@ -351,14 +348,22 @@ OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserIn
                 putBack->reset();
                 throw RunError(db.LastError());
             }
+        };
+        if (access == OrderAccess::Look) {
+            db.setOpenReadOnly(Value(std::int64_t{-1}));
+            if (!db.OpenCheckedDb())
+                openPutBack();
             return OrderResult::Done;
         }
         // The order's file is opened and checked before its record is stamped: a file that is
         // no order database leaves the register as it was. An order opened read-only (the
         // project or the file can't be changed) is not stamped, and the report database is
         // left to the program that may change it.
-        if (!OpenOrderForWork(db, settings, ui))
-            throw RunError(db.LastError());
+        if (!OpenOrderForWork(db, settings, ui)) {
+            if (toLong(db.OpenReadOnly()) == 0)
+                throw RunError(db.LastError());
+            openPutBack();
+        }
         if (db.isReadOnly()) {
             rec.bOffen = -1;
             return OrderResult::Done;

@@ -119,10 +119,11 @@ OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteract
 
 /// Opens the order `rec` in `db` (which must not be open). For work: the record's letzte_Aenderung
 /// becomes now and its open mark is set, it is written back to the register, the database is opened
-/// for changes and the report database is linked to it. To look: the database is opened read-only;
-/// when a change of it was cut off (a journal lies beside it) and `putBack` is given, a private copy
-/// put back to the state before that change is opened instead and handed to `putBack` (the order's
-/// file stays as it is). A row whose file lies outside the order folder is not opened. Failures
+/// for changes and the report database is linked to it. To look: the database is opened read-only.
+/// An order opened read-only (to look, or for work in a read-only project or file) whose last change
+/// was cut off (a journal lies beside it) is, when `putBack` is given, read from a private copy put
+/// back to the state before that change, which is handed to `putBack` (the order's file stays as
+/// it is). A row whose file lies outside the order folder is not opened. Failures
 /// report as "frmMain.lvAuftraege_DblClick".
 OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
                               CAuftragDb& db, OrderAccess access = OrderAccess::Work,

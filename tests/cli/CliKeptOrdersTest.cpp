@@ -211,5 +211,24 @@ TEST_F(CliKeptOrdersTest, TheRoomsOfAnOrderWhoseChangeWasCutOffAreReadAsBeforeTh
     EXPECT_EQ(treeDigest(demoDir), before);
 }
 
+TEST_F(CliKeptOrdersTest, AReportOfACutOffOrderInAReadOnlyProjectIsMadeFromItsStateBeforeTheChange)
+{
+    prepareOrder("EG");
+    const std::string csv = root.file("raumerfassung.csv");
+    expectCli(0, {"bericht", "EG", "raumerfassung", "--ausgabe", csv});
+    const std::string expected = readFile(csv);
+    removeFile(csv);
+    cutOffChange(orderFile("EG"));
+    const ProjectLock other(demoDir); // the windows working on the project
+    const auto before = treeDigest(demoDir);
+    const CliRun r = expectCli(0, {"bericht", "EG", "raumerfassung", "--ausgabe", csv});
+    EXPECT_NE(r.err.find("[qinventur-cli] Der Auftrag 'EG' wurde bei einem Abbruch nicht abgeschlossen; angezeigt "
+                         "wird sein Stand vor dem abgebrochenen Befehl.\n"),
+              std::string::npos)
+        << r.err;
+    EXPECT_EQ(readFile(csv), expected);
+    EXPECT_EQ(treeDigest(demoDir), before);
+}
+
 } // namespace
 } // namespace qi::test

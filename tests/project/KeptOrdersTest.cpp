@@ -369,6 +369,39 @@ TEST_F(KeptOrdersTest, LookingAtACutOffOrderReadsAPutBackCopyAndLeavesTheFile)
     EXPECT_EQ(treeDigest(project + "Inventur"), before);
 }
 
+TEST_F(KeptOrdersTest, ACutOffOrderOfAReadOnlyProjectIsWorkedOnInAPutBackCopyThatRefusesChanges)
+{
+    orderWithScans("EG", 470, 2);
+    cutOffChange(orderFile("EG"));
+    const auto before = treeDigest(project + "Inventur");
+    settings.readOnly = true;
+    CAuftragRec rec = *row("EG");
+    CAuftragDb worked(ui);
+    std::unique_ptr<RolledBackCopy> putBack;
+    ASSERT_EQ(OpenOrderDatabase(reg, settings, ui, rec, worked, OrderAccess::Work, &putBack), OrderResult::Done);
+    ASSERT_TRUE(putBack);
+    EXPECT_TRUE(worked.isReadOnly());
+    EXPECT_EQ(toLong(worked.database()->scalar("SELECT COUNT(*) FROM T_DatInventur")), 470);
+    worked.CloseDb();
+    putBack.reset();
+    EXPECT_EQ(treeDigest(project + "Inventur"), before);
+}
+
+TEST_F(KeptOrdersTest, ACutOffOrderOfAProjectThatMayBeChangedIsPutBackInPlace)
+{
+    orderWithScans("EG", 470, 2);
+    cutOffChange(orderFile("EG"));
+    CAuftragRec rec = *row("EG");
+    CAuftragDb worked(ui);
+    std::unique_ptr<RolledBackCopy> putBack;
+    ASSERT_EQ(OpenOrderDatabase(reg, settings, ui, rec, worked, OrderAccess::Work, &putBack), OrderResult::Done);
+    EXPECT_FALSE(putBack);
+    EXPECT_FALSE(worked.isReadOnly());
+    EXPECT_EQ(toLong(worked.database()->scalar("SELECT COUNT(*) FROM T_DatInventur")), 470);
+    worked.CloseDb();
+    EXPECT_FALSE(hasJournal(orderFile("EG")));
+}
+
 TEST_F(KeptOrdersTest, AnOrderWithoutACutOffChangeIsLookedAtInPlace)
 {
     orderWithScans("EG", 4, 1);
