@@ -253,7 +253,7 @@ bool frmWork::MakeArtikelAufstellung()
             run.commit();
         }
         ui_.processEvents();
-        ui_.showReport(settings_.gstProjektPfad + std::string(kArtikelReportFile), reportDatabasePath(settings_),
+        ui_.showReport(reportFileOf(settings_, kArtikelReportFile), reportDatabasePath(settings_),
                        std::string(kArtikelReportTitle));
         return counted;
     } catch (const std::exception& e) {

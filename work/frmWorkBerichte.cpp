@@ -52,7 +52,7 @@ void frmWork::mnuReportFkt_Click(int index)
             break;
         }
         if (entry && !entry->reportFile.empty())
-            ui_.showReport(settings_.gstProjektPfad + std::string(entry->reportFile), reportDatabasePath(settings_),
+            ui_.showReport(reportFileOf(settings_, entry->reportFile), reportDatabasePath(settings_),
                            std::string(entry->title));
         ui_.setBusy(false);
     } catch (const std::exception& e) {
@@ -84,7 +84,7 @@ void frmWork::mnuFehlerFkt_Click(int index)
         }
         ui_.setBusy(false);
         if (entry)
-            ui_.showReport(settings_.gstProjektPfad + std::string(entry->reportFile), reportDatabasePath(settings_),
+            ui_.showReport(reportFileOf(settings_, entry->reportFile), reportDatabasePath(settings_),
                            std::string(entry->title));
     } catch (const std::exception& e) {
         ui_.setBusy(false);

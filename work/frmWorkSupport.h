@@ -6,9 +6,13 @@
 #include "frmWork.h"
 
 #include "Database.h"
+#include "ReportFiles.h"
+#include "Settings.h"
 
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace qi {
 
@@ -16,6 +20,14 @@ namespace qi {
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// The report file that a report of the work window shows for `file` ("Report\invraum.rpt",
+/// below the project folder): the project's, or the template folder's copy when the project
+/// has none (see reportFileOrTemplate), in read-only mode as in normal mode.
+inline std::string reportFileOf(const Settings& settings, std::string_view file)
+{
+    return reportFileOrTemplate(settings.gstProjektPfad + std::string(file), settings.gstAppPfad);
+}
 
 /// Raises Failure with the order database's LastError when `ok` is false.
 inline void check(bool ok, const CAuftragDb& db)

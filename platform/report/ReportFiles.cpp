@@ -67,17 +67,26 @@ std::string findIgnoringCase(const std::string& path)
     return current;
 }
 
+std::string reportFileOrTemplate(const std::string& reportFile, const std::string& programFolder)
+{
+    const std::string found = findIgnoringCase(reportFile);
+    if (!found.empty() && fileExists(found))
+        return reportFile;
+    if (!programFolder.empty()) {
+        const std::string folder = programFolder.back() == '\\' || programFolder.back() == '/' ? programFolder
+                                                                                              : programFolder + "/";
+        const std::string copy = findIgnoringCase(folder + kTemplateFolder + "/Report/" + fileNamePart(reportFile));
+        if (!copy.empty() && fileExists(copy))
+            return copy;
+    }
+    return reportFile;
+}
+
 std::string locateReportFile(const std::string& reportFile, const std::string& dataFile)
 {
-    std::string found = findIgnoringCase(reportFile);
+    const std::string found = findIgnoringCase(reportFileOrTemplate(reportFile, folderPart(nativePath(dataFile))));
     if (!found.empty() && fileExists(found))
         return found;
-    const std::string programFolder = folderPart(nativePath(dataFile));
-    if (!programFolder.empty()) {
-        found = findIgnoringCase(programFolder + kTemplateFolder + "/Report/" + fileNamePart(reportFile));
-        if (!found.empty() && fileExists(found))
-            return found;
-    }
     throw ReportError("Die Berichtsdatei '" + displayPath(reportFile) + "' wurde nicht gefunden.");
 }
 

@@ -15,11 +15,15 @@ inline constexpr const char* kTemplateFolder = "Leeres Projekt";
 /// An exact match wins over one that differs in case.
 std::string findIgnoringCase(const std::string& path);
 
-/// The report file to read for `reportFile` (a full path below the project folder): the file
-/// itself, letter case ignored; when the project has none (no "Report" folder, or not this
-/// file in it), the template's copy "<program folder>\Leeres Projekt\Report\<name>", the
-/// program folder being the folder of the report database `dataFile`. ReportError naming
-/// the file asked for when neither exists.
+/// The report file to give the report engine for `reportFile` (a full path below the project
+/// folder): `reportFile` itself when the project has it (letter case ignored) or when neither
+/// has it; when the project has none (no "Report" folder, or not this file in it), the
+/// template's copy "<programFolder>\Leeres Projekt\Report\<name>" as it was found.
+std::string reportFileOrTemplate(const std::string& reportFile, const std::string& programFolder);
+
+/// The report file to read for `reportFile`: reportFileOrTemplate with the program folder
+/// being the folder of the report database `dataFile`, found with its names in the letter
+/// case they have. ReportError naming the file asked for when neither exists.
 std::string locateReportFile(const std::string& reportFile, const std::string& dataFile);
 
 /// The text of a report file as UTF-8: files in UTF-8 (with or without byte-order mark) are
