@@ -1,7 +1,10 @@
 #include "ProgramWindows.h"
 
+#include "ReportDatabase.h"
 #include "frmMain.h"
 #include "frmRaumWindow.h"
+
+#include <memory>
 
 namespace qi {
 
@@ -23,6 +26,11 @@ OrderWindowFactory workWindowFactory()
     };
 }
 
-void connectWindows(frmMain& main) { main.setOrderWindowFactory(workWindowFactory()); }
+void connectWindows(frmMain& main)
+{
+    main.setOrderWindowFactory(workWindowFactory());
+    // The reports of this program read a copy of the report database of its own (see ReportDatabase.h).
+    main.settings().privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+}
 
 } // namespace qi

@@ -14,7 +14,8 @@ class frmMain;
 RoomWindowFactory roomWindowFactory();
 /// Makes the work window of an opened order, with the room selection plugged in.
 OrderWindowFactory workWindowFactory();
-/// Plugs the work window into the main window.
+/// Plugs the work window into the main window and gives the program its private copy of the
+/// report database, which its reports read.
 void connectWindows(frmMain& main);
 
 } // namespace qi

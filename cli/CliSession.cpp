@@ -8,6 +8,7 @@
 #include "ProfileFile.h"
 #include "ProjectAccess.h"
 #include "ProjectChoice.h"
+#include "ReportDatabase.h"
 #include "SystemError.h"
 #include "TextFile.h"
 #include "frmRaum.h"
@@ -128,6 +129,8 @@ Session::Session(const Invocation& inv, std::string programFolder, std::ostream&
                  bool terminal)
     : inv_(inv), programFolder_(std::move(programFolder)), out_(out), err_(err), ui_(err, terminal)
 {
+    // This run's reports read a copy of the report database of its own (see ReportDatabase.h).
+    settings_.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
 }
 
 Session::~Session() = default;

@@ -1,6 +1,10 @@
 #include "ReportDatabase.h"
 
+#include "FileSystem.h"
+
 #include <array>
+#include <filesystem>
+#include <stdexcept>
 
 namespace qi {
 
@@ -96,7 +100,51 @@ std::string reportDatabasePath(const Settings& settings)
 {
     if (!settings.reportDatabaseFile.empty())
         return settings.reportDatabaseFile;
+    if (settings.privateReportDatabase)
+        return settings.privateReportDatabase->file();
+    return sharedReportDatabasePath(settings);
+}
+
+std::string sharedReportDatabasePath(const Settings& settings)
+{
     return settings.gstAppPfad + "\\" + kReportDatabaseFile;
+}
+
+PrivateReportDatabase::PrivateReportDatabase() : folder_(newPrivateFolder())
+{
+    if (!folder_.empty())
+        file_ = folder_ + "/" + kReportDatabaseFile;
+}
+
+PrivateReportDatabase::~PrivateReportDatabase()
+{
+    if (folder_.empty())
+        return;
+    std::error_code ec;
+    std::filesystem::remove_all(std::filesystem::u8path(folder_), ec);
+}
+
+void PrivateReportDatabase::copyFrom(const std::string& shared)
+{
+    if (file_.empty())
+        throw std::runtime_error(kNoPrivateFolder);
+    // Copied beside the copy and renamed over it: a report that still reads the earlier copy
+    // keeps reading it whole.
+    const std::string next = file_ + ".neu";
+    auto source = LinkedDatabase::open(shared);
+    try {
+        source->database().copyTo(next);
+    } catch (const DbError& e) {
+        // The copy is named as the file it becomes.
+        if (e.number() != dberr::FileNotFound)
+            throw;
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(file_) + "' konnte nicht angelegt werden.");
+    }
+    source.reset();
+    if (!moveFile(next, file_)) {
+        removeFile(next);
+        throw DbError(dberr::FileNotFound, "Die Datei '" + displayPath(file_) + "' konnte nicht angelegt werden.");
+    }
 }
 
 JetSql anzProRaumQuery(std::int16_t modul)

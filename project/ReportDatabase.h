@@ -1,12 +1,21 @@
 #pragma once
-// The report database "QInventurRpt.mdb" in the program folder: its path and the
-// two stored queries that the reports read, defined per module.
+// The report database "QInventurRpt.mdb" in the program folder: its path, the two
+// stored queries that the reports read, defined per module, and the private copy of
+// it that each running program keeps for its own reports.
+//
+// The program folder's file is shared by every program started from that folder (on a
+// terminal server by every user), and each of them points its links at the order it
+// opens. What a program's reports read is therefore its own copy: made in a folder of
+// the program's own whenever the shared file is relinked for an order of this program,
+// and linked to that order, so that another program relinking the shared file in
+// between changes nothing that this program reads.
 
 #include "JetSql.h"
 #include "LinkedDatabase.h"
 #include "Settings.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace qi {
@@ -17,8 +26,36 @@ inline constexpr const char* kReportDatabaseFile = "QInventurRpt.mdb";
 inline constexpr const char* kQueryAnzProRaum = "Q_AnzProRaum";
 inline constexpr const char* kQueryDiffListe = "Q_DiffListe";
 
-/// gstAppPfad + "\QInventurRpt.mdb", or the settings' own report database file when they name one.
+/// The report database that this program's reports read: the settings' own report database file
+/// when they name one, else the program's private copy when it keeps one, else the shared file.
 std::string reportDatabasePath(const Settings& settings);
+/// The program folder's report database, shared by every program started from there:
+/// gstAppPfad + "\QInventurRpt.mdb".
+std::string sharedReportDatabasePath(const Settings& settings);
+
+/// The private copy of the report database of one running program (the windows, one run of
+/// qinventur-cli): a file in a folder below the system's temporary folder that only its user
+/// can read, removed with its folder when the program ends.
+class PrivateReportDatabase {
+public:
+    /// Makes the folder; when it can't be made, copyFrom reports why.
+    PrivateReportDatabase();
+    ~PrivateReportDatabase();
+    PrivateReportDatabase(const PrivateReportDatabase&) = delete;
+    PrivateReportDatabase& operator=(const PrivateReportDatabase&) = delete;
+
+    /// The copy ("<folder>/QInventurRpt.mdb"); empty when the folder could not be made.
+    const std::string& file() const { return file_; }
+    /// The folder of the copy; empty when it could not be made.
+    const std::string& folder() const { return folder_; }
+    /// Replaces the copy, in one step, by a copy of the report database `shared`. DbError when
+    /// `shared` can't be read or the copy can't be written, std::runtime_error without a folder.
+    void copyFrom(const std::string& shared);
+
+private:
+    std::string folder_;
+    std::string file_;
+};
 
 /// Objects per room of the order, for the module (0, 1, 2; others as 0).
 JetSql anzProRaumQuery(std::int16_t modul);

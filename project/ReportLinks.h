@@ -30,6 +30,13 @@ void createReportDatabase(const std::string& path);
 /// an ODBC connect string the host links are dropped and made anew. Errors end the relinking at the
 /// failing step with the common error message "COVRpt.CheckReportMdbLink"; links already changed
 /// stay changed. True when every step succeeded.
+///
+/// The file relinked is the program folder's "QInventurRpt.mdb", under an exclusive lock that
+/// the other programs of that folder wait for. When the settings name a private copy of this
+/// program (Settings::privateReportDatabase), the copy is then taken from the shared file and
+/// linked the same way to this order, so that this program's reports read this order whatever
+/// another program relinks afterwards; its failures end the same way. When the settings name a
+/// report database file of their own (Settings::reportDatabaseFile), only that file is relinked.
 bool CheckReportMdbLink(const Settings& settings, const std::string& orderDbPath, UserInteraction& ui);
 
 } // namespace qi

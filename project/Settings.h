@@ -4,9 +4,12 @@
 #include "HostSource.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace qi {
+
+class PrivateReportDatabase;
 
 struct Settings {
     /// Project folder; ends in a backslash once set; empty when no project is configured.
@@ -29,6 +32,9 @@ struct Settings {
     /// The report database when it is not the program folder's (a private copy); empty for
     /// gstAppPfad + "\QInventurRpt.mdb".
     std::string reportDatabaseFile;
+    /// This program's own copy of the report database (ReportDatabase.h), linked whenever the
+    /// program folder's file is and read by this program's reports; null: they read the shared file.
+    std::shared_ptr<PrivateReportDatabase> privateReportDatabase;
 
     bool isJet() const { return gstProjekttyp == "ptJet"; }
     /// "T_I", "T_T" or "T_B" for the module; empty outside 0..2.

@@ -47,7 +47,8 @@ void frmWork::onPrivateCopy(const char* label, const std::function<void(frmWork&
 
         copy->settings = settings_;
         copy->settings.reportDatabaseFile = copy->folder + "/" + kReportDatabaseFile;
-        LinkedDatabase::open(reportDatabasePath(settings_))->database().copyTo(copy->settings.reportDatabaseFile);
+        // The program folder's file: an order open read-only never linked a copy of this program's own.
+        LinkedDatabase::open(sharedReportDatabasePath(settings_))->database().copyTo(copy->settings.reportDatabaseFile);
         if (!CheckReportMdbLink(copy->settings, order, ui_))
             return;
 

@@ -7,7 +7,9 @@
 #include "ReportDatabase.h"
 #include "ReportLinks.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 namespace qi::test {
 namespace {
@@ -366,6 +368,87 @@ TEST_F(ReportLinksTest, LinkOperationsRaiseTheEngineErrors)
     } catch (const DbError& e) {
         EXPECT_EQ(e.number(), dberr::ItemNotFound);
     }
+}
+
+/// The links of another report database file.
+std::string linkOf(const std::string& file, const std::string& name) { return LinkedDatabase::open(file)->connect(name); }
+
+TEST_F(ReportLinksTest, AProgramsPrivateCopyIsLinkedToItsOrderAndStaysWhenAnotherProgramRelinks)
+{
+    settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    const std::string copy = settings.privateReportDatabase->file();
+    ASSERT_TRUE(CheckReportMdbLink(settings, orderA, ui));
+    EXPECT_TRUE(ui.messages.empty());
+    EXPECT_EQ(reportDatabasePath(settings), copy);
+    for (const char* name : kOrderLinks) {
+        EXPECT_EQ(link(name), ";DATABASE=" + orderA) << name; // the shared file, as ever
+        EXPECT_EQ(linkOf(copy, name), ";DATABASE=" + orderA) << name;
+    }
+    EXPECT_EQ(linkOf(copy, "T_Raumkern"), ";DATABASE=" + projectDir + "QGebaeude.mdb");
+    EXPECT_EQ(linkOf(copy, "T_IObjekt"), ";DATABASE=" + projectDir + "QOvInventar.mdb");
+    EXPECT_EQ(linkOf(copy, "T_KST"), ";DATABASE=" + projectDir + "QStammdaten.mdb");
+
+    // Another program of the same folder opens another order (with a copy of its own or none).
+    Settings other = settings;
+    other.privateReportDatabase.reset();
+    ASSERT_TRUE(CheckReportMdbLink(other, orderB, ui));
+    EXPECT_EQ(link("t_Raum"), ";DATABASE=" + orderB);
+    for (const char* name : kOrderLinks)
+        EXPECT_EQ(linkOf(copy, name), ";DATABASE=" + orderA) << name;
+
+    // The next order of this program: the copy follows.
+    ASSERT_TRUE(CheckReportMdbLink(settings, orderB, ui));
+    EXPECT_EQ(linkOf(copy, "T_Auftrag"), ";DATABASE=" + orderB);
+    EXPECT_TRUE(ui.messages.empty());
+}
+
+TEST_F(ReportLinksTest, APrivateCopyThatCantBeWrittenIsReportedAsTheRelinking)
+{
+    settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    const std::string copy = settings.privateReportDatabase->file();
+    fs::remove_all(fs::u8path(settings.privateReportDatabase->folder()));
+    EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text,
+              "COVRpt.CheckReportMdbLink\r\nDie Datei '" + displayPath(copy) + "' konnte nicht angelegt werden.");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    // The shared file was relinked as ever; no report reads it.
+    EXPECT_EQ(link("t_Raum"), ";DATABASE=" + orderA);
+    EXPECT_EQ(reportDatabasePath(settings), copy);
+    EXPECT_FALSE(fileExists(copy));
+}
+
+TEST_F(ReportLinksTest, NoPrivateFolderIsReportedAsTheRelinking)
+{
+    const std::string missing = root.file("kein-temp");
+    const char* before = std::getenv("TMPDIR");
+    const std::string kept = before ? before : "";
+    setenv("TMPDIR", missing.c_str(), 1);
+    settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    if (before)
+        setenv("TMPDIR", kept.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+    EXPECT_EQ(settings.privateReportDatabase->file(), "");
+    EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text,
+              "COVRpt.CheckReportMdbLink\r\nIm Ordner für temporäre Dateien kann kein Ordner angelegt werden.");
+}
+
+TEST_F(ReportLinksTest, AServerOutOfReachIsReportedOnceAndTheCopyReadsTheOrder)
+{
+    settings.gstProjekttyp = "ptODBC";
+    settings.gstConnectionString = "ODBC;DSN=QuarnSql;PWD=geheim";
+    settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text.rfind("COVRpt.CheckReportMdbLink\r\nDie Quarn-Datenbank auf dem Server ist nicht ",
+                                        0),
+              0u)
+        << ui.messages[0].text;
+    for (const char* name : kOrderLinks)
+        EXPECT_EQ(linkOf(settings.privateReportDatabase->file(), name), ";DATABASE=" + orderA) << name;
 }
 
 TEST(ConnectStrings, DatabaseFileIsReadFromJetConnectStringsOnly)

@@ -9,6 +9,7 @@
 #include "FileSystem.h"
 #include "LinkedDatabase.h"
 #include "QTreeGebStruCtrl.h"
+#include "ReportDatabase.h"
 #include "ReportMenus.h"
 #include "TextFile.h"
 
@@ -190,7 +191,9 @@ TEST_F(RoadTest, WholeRoadOfAnOrderThroughTheWindows)
 
     // ------------------------------------------------------------ every report and error list
     const std::string project = main->settings().gstProjektPfad;
-    const std::string reportDb = programDir + "\\QInventurRpt.mdb";
+    // The reports read the program's own copy of the report database, linked to this order.
+    const std::string reportDb = reportDatabasePath(main->settings());
+    EXPECT_EQ(reportDb.find(programDir), std::string::npos) << reportDb;
     for (const ReportMenuEntry& e : kReportMenu) {
         const std::size_t before = ui.reports.size();
         const std::int64_t differencesBefore = rows("T_Differenzliste");
