@@ -110,11 +110,7 @@ std::string sharedReportDatabasePath(const Settings& settings)
     return settings.gstAppPfad + "\\" + kReportDatabaseFile;
 }
 
-PrivateReportDatabase::PrivateReportDatabase() : folder_(newPrivateFolder())
-{
-    if (!folder_.empty())
-        file_ = folder_ + "/" + kReportDatabaseFile;
-}
+PrivateReportDatabase::PrivateReportDatabase() = default;
 
 PrivateReportDatabase::~PrivateReportDatabase()
 {
@@ -126,8 +122,12 @@ PrivateReportDatabase::~PrivateReportDatabase()
 
 void PrivateReportDatabase::copyFrom(const std::string& shared)
 {
-    if (file_.empty())
-        throw std::runtime_error(kNoPrivateFolder);
+    if (folder_.empty()) {
+        folder_ = newPrivateFolder();
+        if (folder_.empty())
+            throw std::runtime_error(kNoPrivateFolder);
+        file_ = folder_ + "/" + kReportDatabaseFile;
+    }
     // Copied beside the copy and renamed over it: a report that still reads the earlier copy
     // keeps reading it whole.
     const std::string next = file_ + ".neu";

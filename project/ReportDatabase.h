@@ -38,18 +38,20 @@ std::string sharedReportDatabasePath(const Settings& settings);
 /// can read, removed with its folder when the program ends.
 class PrivateReportDatabase {
 public:
-    /// Makes the folder; when it can't be made, copyFrom reports why.
+    /// No folder yet: the first copyFrom makes it.
     PrivateReportDatabase();
+    /// Removes the folder with the copy.
     ~PrivateReportDatabase();
     PrivateReportDatabase(const PrivateReportDatabase&) = delete;
     PrivateReportDatabase& operator=(const PrivateReportDatabase&) = delete;
 
-    /// The copy ("<folder>/QInventurRpt.mdb"); empty when the folder could not be made.
+    /// The copy ("<folder>/QInventurRpt.mdb"); empty until the folder is made.
     const std::string& file() const { return file_; }
-    /// The folder of the copy; empty when it could not be made.
+    /// The folder of the copy; empty until it is made.
     const std::string& folder() const { return folder_; }
-    /// Replaces the copy, in one step, by a copy of the report database `shared`. DbError when
-    /// `shared` can't be read or the copy can't be written, std::runtime_error without a folder.
+    /// Replaces the copy, in one step, by a copy of the report database `shared`, making the
+    /// folder first if there is none yet. DbError when `shared` can't be read or the copy can't be
+    /// written, std::runtime_error with the user's message when no folder can be made.
     void copyFrom(const std::string& shared);
 
 private:

@@ -278,6 +278,8 @@ TEST_F(CliReportIsolationTest, EachProgramKeepsItsCopyInAFolderOfItsUserAloneAnd
     std::string folder, file;
     {
         PrivateReportDatabase copy;
+        EXPECT_EQ(copy.folder(), ""); // made when first needed
+        copy.copyFrom(programDir + "/QInventurRpt.mdb");
         folder = copy.folder();
         file = copy.file();
         ASSERT_FALSE(folder.empty());
@@ -285,7 +287,6 @@ TEST_F(CliReportIsolationTest, EachProgramKeepsItsCopyInAFolderOfItsUserAloneAnd
         struct stat st {};
         ASSERT_EQ(::stat(folder.c_str(), &st), 0);
         EXPECT_EQ(st.st_mode & 0777, 0700u);
-        copy.copyFrom(programDir + "/QInventurRpt.mdb");
         EXPECT_TRUE(fileExists(file));
         EXPECT_EQ(LinkedDatabase::open(file)->links().size(), LinkedDatabase::open(programDir + "/QInventurRpt.mdb")
                                                                    ->links()

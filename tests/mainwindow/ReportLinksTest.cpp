@@ -376,9 +376,10 @@ std::string linkOf(const std::string& file, const std::string& name) { return Li
 TEST_F(ReportLinksTest, AProgramsPrivateCopyIsLinkedToItsOrderAndStaysWhenAnotherProgramRelinks)
 {
     settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
-    const std::string copy = settings.privateReportDatabase->file();
     ASSERT_TRUE(CheckReportMdbLink(settings, orderA, ui));
     EXPECT_TRUE(ui.messages.empty());
+    const std::string copy = settings.privateReportDatabase->file();
+    ASSERT_NE(copy, "");
     EXPECT_EQ(reportDatabasePath(settings), copy);
     for (const char* name : kOrderLinks) {
         EXPECT_EQ(link(name), ";DATABASE=" + orderA) << name; // the shared file, as ever
@@ -405,6 +406,7 @@ TEST_F(ReportLinksTest, AProgramsPrivateCopyIsLinkedToItsOrderAndStaysWhenAnothe
 TEST_F(ReportLinksTest, APrivateCopyThatCantBeWrittenIsReportedAsTheRelinking)
 {
     settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    ASSERT_TRUE(CheckReportMdbLink(settings, orderB, ui));
     const std::string copy = settings.privateReportDatabase->file();
     fs::remove_all(fs::u8path(settings.privateReportDatabase->folder()));
     EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
@@ -425,12 +427,14 @@ TEST_F(ReportLinksTest, NoPrivateFolderIsReportedAsTheRelinking)
     const std::string kept = before ? before : "";
     setenv("TMPDIR", missing.c_str(), 1);
     settings.privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    const bool linked = CheckReportMdbLink(settings, orderA, ui);
     if (before)
         setenv("TMPDIR", kept.c_str(), 1);
     else
         unsetenv("TMPDIR");
+    EXPECT_FALSE(linked);
     EXPECT_EQ(settings.privateReportDatabase->file(), "");
-    EXPECT_FALSE(CheckReportMdbLink(settings, orderA, ui));
+    EXPECT_EQ(reportDatabasePath(settings), "");
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0].text,
               "COVRpt.CheckReportMdbLink\r\nIm Ordner für temporäre Dateien kann kein Ordner angelegt werden.");
