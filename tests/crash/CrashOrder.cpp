@@ -6,9 +6,11 @@
 #include "FileSystem.h"
 #include "OrderSchema.h"
 #include "Orders.h"
+#include "Report.h"
 #include "ReportLinks.h"
 #include "ScriptedUserInteraction.h"
 #include "Settings.h"
+#include "Startup.h"
 #include "frmRaum.h"
 #include "frmWork.h"
 
@@ -17,6 +19,8 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <stdexcept>
+#include <utility>
 
 namespace qi::test {
 
@@ -68,11 +72,43 @@ void writeScanFile(const demo::Installation& inst, int first, int last, const st
 
 CrashOrder::CrashOrder(std::string r)
     : root(std::move(r)), project(root + "/Projekt"), program(root + "/Programm"),
-      order(root + "/Projekt/Inventur/A1.mdb"), registry(root + "/Projekt/QInventur.mdb")
+      order(root + "/Projekt/Inventur/A1.mdb"), registry(root + "/Projekt/QInventur.mdb"),
+      firstProgram(root + "/Erststart/Programm"), firstProject(root + "/Erststart/Projekt")
 {
 }
 
 std::string CrashOrder::newFile() const { return project + "/Neu.dat"; }
+
+std::string CrashOrder::output(const std::string& operation) const
+{
+    if (operation == "archiv")
+        return project + "/Inventur/A1.dat";
+    return root + "/Ausgabe/Differenzliste." + operation;
+}
+
+std::string CrashOrder::templateFolder() const { return firstProgram + "/Leeres Projekt"; }
+
+std::vector<std::string> seededFiles()
+{
+    std::vector<std::string> files = {"QInventur.mdb", "QAuftrag.mdb"};
+    for (const char* report : kReportFiles)
+        files.push_back(std::string("Report") + report);
+    return files;
+}
+
+void prepareFirstStart(const CrashOrder& o)
+{
+    std::filesystem::create_directories(o.templateFolder() + "/Report");
+    std::filesystem::create_directories(o.firstProject);
+    createRegisterSchema(*Database::create(o.templateFolder() + "/QInventur.mdb"));
+    createOrderSchema(*Database::create(o.templateFolder() + "/QAuftrag.mdb"));
+    for (const char* report : kReportFiles)
+        if (!copyFile(std::string(QI_REPORTS_DIR) + "/" + report, o.templateFolder() + "/Report/" + report))
+            throw std::runtime_error(std::string("Der Report '") + report + "' fehlt.");
+    demo::writeHostDatabases(demo::buildInstallation(demo::smallSizes()), o.firstProject);
+    demo::writeProjectIni(o.firstProject, "INVENTAR");
+    demo::writeQuarnIni(o.firstProgram + "/Quarn.ini", o.firstProject);
+}
 
 void prepareCrashOrder(const CrashOrder& o)
 {
@@ -114,6 +150,8 @@ void prepareCrashOrder(const CrashOrder& o)
         reg.AddNewAuftragRec(&a1);
     }
     createReportDatabase(o.program + "/QInventurRpt.mdb");
+    demo::copyReports(QI_REPORTS_DIR, o.project);
+    std::filesystem::create_directories(o.root + "/Ausgabe");
     ScriptedUserInteraction ui;
     const Settings settings = settingsOf(o);
     CheckReportMdbLink(settings, o.order, ui);
@@ -172,6 +210,18 @@ bool saveChangedRooms(CAuftragDb& db, Settings& settings, UserInteraction& ui)
     return true;
 }
 
+/// True when no message told of a failure; the others are printed.
+bool noProblem(const ScriptedUserInteraction& ui)
+{
+    bool ok = true;
+    for (const RecordedMessage& m : ui.messages)
+        if (m.icon == MsgIcon::Critical || m.title == "Problem") {
+            std::fprintf(stderr, "%s: %s\n", m.title.c_str(), m.text.c_str());
+            ok = false;
+        }
+    return ok;
+}
+
 } // namespace
 
 bool runCrashOperation(const CrashOrder& o, const std::string& operation)
@@ -193,6 +243,21 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
         CAuftragRec* a1 = reg.ReadAllAuftragRec2Coll(orders) ? findOrder(orders, "A1") : nullptr;
         return a1 && DeleteOrder(reg, settings, ui, *a1) == OrderResult::Done;
     }
+    if (operation == "einrichten") {
+        Settings first;
+        const StartupResult started = RunStartup(o.firstProgram, first, ui);
+        return started.completed && noProblem(ui);
+    }
+    for (const auto& [name, format] : {std::pair{"pdf", ReportFormat::Pdf}, std::pair{"xlsx", ReportFormat::Xlsx},
+                                       std::pair{"csv", ReportFormat::Csv}})
+        if (operation == name) {
+            const std::string error =
+                writeReportFile(o.project + "/Report/invdiff.rpt", o.program + "/QInventurRpt.mdb", "Differenzliste",
+                                "A1", settings.gstProjektPfad, format, o.output(operation));
+            if (!error.empty())
+                std::fprintf(stderr, "%s\n", error.c_str());
+            return error.empty();
+        }
     CAuftragDb db(ui);
     db.setDbPath(o.order);
     if (!db.OpenDb())
@@ -223,17 +288,12 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
         {"artikel", [&] { return w.MakeArtikelAufstellung(); }},
         {"inventur", [&] { return w.MakeInvListe(); }},
         {"raeume", [&] { return saveChangedRooms(db, settings, ui); }},
+        {"archiv", [&] { return !w.MakeArchive().empty(); }},
     };
     const auto op = operations.find(operation);
     if (op == operations.end() || !op->second())
         return false;
-    bool ok = true;
-    for (const RecordedMessage& m : ui.messages)
-        if (m.icon == MsgIcon::Critical || m.title == "Problem") {
-            std::fprintf(stderr, "%s: %s\n", m.title.c_str(), m.text.c_str());
-            ok = false;
-        }
-    return ok;
+    return noProblem(ui);
 }
 
 } // namespace qi::test

@@ -2,15 +2,21 @@
 // removing one with its rebuild, the rebuild, the evaluation, the article tally, the
 // inventory list, saving the rooms) and checks that the order database is then intact
 // and holds either what it held before the operation or what the finished operation
-// leaves; and while it creates or deletes an order, checking that the register and the
+// leaves; while it creates or deletes an order, checking that the register and the
 // order's database are as before or as after, and that what a death leaves never breaks
-// the next order of that name.
+// the next order of that name; while it writes the difference list as PDF, Excel and CSV
+// file and the archive of the scan data, checking that the file is the earlier one or the
+// whole new one and nothing else is left; and while the program starts the first time on
+// a new project, checking that every file seeding makes is missing or a whole copy of the
+// template, never a register without the rest, and that the next start seeds or uses it.
 //
-// QI_KILLS sets the number of kills per operation (default 35, 315 in all).
+// QI_KILLS sets the number of kills per operation (default 35: 315 for the nine operations
+// on orders, 140 for the four outputs, 35 for the first start; 490 in all).
 
 #include "CrashOrder.h"
 
 #include "CInventurDb.h"
+#include "Database.h"
 #include "FileSystem.h"
 #include "Orders.h"
 #include "ScriptedUserInteraction.h"
@@ -25,7 +31,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <map>
 #include <random>
+#include <string_view>
 #include <thread>
 
 namespace qi::test {
@@ -225,6 +234,150 @@ TEST(KillHarness, CreatingAndDeletingAnOrderLeaveTheProjectAsBeforeOrAsAfter)
                     operation.c_str(), double(duration.count()) / 1e6, kills, asBefore, asAfter, orphans);
     }
     std::printf("%d kills in all\n", total);
+}
+
+/// The names of the hidden files in a folder (a file replaced whole is written under one).
+std::string hiddenFiles(const std::string& folder)
+{
+    std::string names;
+    for (const auto& e : std::filesystem::directory_iterator(folder))
+        if (e.path().filename().string().front() == '~')
+            names += e.path().filename().string() + " ";
+    return names;
+}
+
+/// Whether `now` is the whole output that a finished run wrote as `reference`. CSV and the
+/// archive are the same bytes every time; a PDF and an Excel file carry the time they were
+/// made, so that they are whole when they end as such a file ends.
+bool wholeOutput(const std::string& operation, const std::string& now, const std::string& reference)
+{
+    if (operation == "pdf") {
+        const std::string_view end = "%%EOF\n";
+        return now.size() == reference.size() && now.compare(0, 5, "%PDF-") == 0 &&
+               now.compare(now.size() - end.size(), end.size(), end) == 0;
+    }
+    if (operation == "xlsx") {
+        // A zip archive ends with the record of its directory (22 bytes without a comment).
+        return now.size() > 22 && now.compare(0, 2, "PK") == 0 && now.compare(now.size() - 22, 4, "PK\x05\x06") == 0 &&
+               now.size() + 64 > reference.size() && now.size() < reference.size() + 64;
+    }
+    return now == reference;
+}
+
+TEST(KillHarness, AKilledOutputLeavesTheEarlierFileOrTheWholeNewOne)
+{
+    TempDir dir;
+    const CrashOrder o(dir.path());
+    prepareCrashOrder(o);
+    // The difference list that the outputs show.
+    ASSERT_EQ(finish(start(o, "auswerten")), 0);
+
+    const std::string earlier = "Die frühere Ausgabe\r\n";
+    const int kills = killsPerOperation();
+    std::mt19937 random(20251125);
+    int total = 0;
+    for (const std::string operation : {"pdf", "xlsx", "csv", "archiv"}) {
+        SCOPED_TRACE(operation);
+        const std::string path = o.output(operation);
+        const std::string folder = std::filesystem::path(path).parent_path().string();
+        writeFile(path, earlier);
+        const auto t0 = Clock::now();
+        const int status = finish(start(o, operation));
+        const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the operation did not succeed";
+        const std::string reference = readFile(path);
+        ASSERT_NE(reference, earlier) << "the operation wrote nothing";
+        ASSERT_EQ(hiddenFiles(folder), "");
+
+        int asBefore = 0, asAfter = 0;
+        std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
+        for (int k = 0; k < kills; ++k) {
+            writeFile(path, earlier);
+            const long at = moment(random);
+            const pid_t pid = start(o, operation);
+            std::this_thread::sleep_for(std::chrono::microseconds(at));
+            kill(pid, SIGKILL);
+            finish(pid);
+            SCOPED_TRACE("kill " + std::to_string(k) + " after " + std::to_string(at) + " µs");
+            const std::string now = readFile(path);
+            if (now == earlier) {
+                ++asBefore;
+            } else {
+                ASSERT_TRUE(wholeOutput(operation, now, reference))
+                    << "a file of " << now.size() << " bytes, the whole one has " << reference.size();
+                ++asAfter;
+            }
+            ASSERT_EQ(hiddenFiles(folder), "") << "a temporary file was left";
+            ++total;
+        }
+        std::printf("%-12s %6.3f s to the end; %d kills: %d as before, %d as after\n", operation.c_str(),
+                    double(duration.count()) / 1e6, kills, asBefore, asAfter);
+    }
+    std::printf("%d kills in all\n", total);
+}
+
+TEST(KillHarness, AKilledFirstStartLeavesAProjectTheNextStartSeedsOrUses)
+{
+    TempDir dir;
+    const CrashOrder o(dir.path());
+    prepareFirstStart(o);
+    std::map<std::string, std::string> templates;
+    for (const std::string& name : seededFiles())
+        templates[name] = readFile(o.templateFolder() + "/" +
+                                   (name.rfind("Report", 0) == 0 ? "Report/" + name.substr(6) : name));
+    const auto unseed = [&] {
+        for (const std::string& name : seededFiles()) {
+            removeFile(o.firstProject + "/" + name);
+            removeFile(o.firstProject + "/" + name + "-journal");
+        }
+    };
+    // Every file seeding makes is missing or a whole copy of the template; true when all are there.
+    const auto seededWhole = [&](int& present) {
+        present = 0;
+        for (const std::string& name : seededFiles()) {
+            const std::string file = o.firstProject + "/" + name;
+            if (!fileExists(file))
+                continue;
+            EXPECT_EQ(readFile(file), templates[name]) << name << " is not a whole copy";
+            ++present;
+        }
+        return present == int(templates.size());
+    };
+
+    const auto t0 = Clock::now();
+    const int status = finish(start(o, "einrichten"));
+    const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the first start did not succeed";
+    int present = 0;
+    ASSERT_TRUE(seededWhole(present));
+
+    const int kills = killsPerOperation();
+    std::mt19937 random(20251126);
+    int none = 0, part = 0, all = 0;
+    std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
+    for (int k = 0; k < kills; ++k) {
+        unseed();
+        const long at = moment(random);
+        const pid_t pid = start(o, "einrichten");
+        std::this_thread::sleep_for(std::chrono::microseconds(at));
+        kill(pid, SIGKILL);
+        finish(pid);
+        SCOPED_TRACE("kill " + std::to_string(k) + " after " + std::to_string(at) + " µs");
+        const bool whole = seededWhole(present);
+        // The register comes last: a project with one has all the rest.
+        if (fileExists(o.firstProject + "/QInventur.mdb")) {
+            ASSERT_TRUE(whole) << "a register without the rest of the project";
+        }
+        ++(whole ? all : present == 0 ? none : part);
+        // The next start works on what the death left.
+        ASSERT_EQ(finish(start(o, "einrichten")), 0) << "the next start failed";
+        ASSERT_TRUE(seededWhole(present));
+        EXPECT_TRUE(integrityOk(o.firstProject + "/QInventur.mdb"));
+        EXPECT_TRUE(integrityOk(o.firstProject + "/QAuftrag.mdb"));
+        ASSERT_EQ(hiddenFiles(o.firstProject), "");
+    }
+    std::printf("%-12s %6.3f s to the end; %d kills: %d before seeding, %d part-way, %d seeded\n", "einrichten",
+                double(duration.count()) / 1e6, kills, none, part, all);
 }
 
 } // namespace
