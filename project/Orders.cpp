@@ -145,7 +145,8 @@ std::vector<std::string> filesReplacedBy(CInventurDb& reg, const Settings& setti
          it.increment(ec)) {
         const std::string fileName = it->path().filename().string();
         std::error_code same;
-        if (fileName == targetName || !jetEqual(fileName, targetName) || fs::equivalent(it->path(), targetPath, same))
+        if (fileName == targetName || !endsWithMdb(fileName) || !jetEqual(fileName, targetName) ||
+            fs::equivalent(it->path(), targetPath, same))
             continue;
         if (!rowsRead && !(rowsRead = reg.ReadAllAuftragRec2Coll(rows)))
             return replaced; // which rows name it is unknown: it is left as it is

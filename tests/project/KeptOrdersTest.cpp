@@ -215,6 +215,21 @@ TEST_F(KeptOrdersTest, AFileOfTheNameInAnotherLetterCaseThatNoRowNamesIsKeptAndT
     EXPECT_EQ(fileNamePart(kept[0]).rfind("EG ", 0), 0u) << kept[0];
 }
 
+TEST_F(KeptOrdersTest, OnlyTheLetterCaseMakesAnotherFileTheSameName)
+{
+    orderWithScans("Süd", 3, 1);
+    loseRow("Süd");
+    std::vector<std::string> kept;
+    ASSERT_EQ(create("Sud", &kept), OrderResult::Done);
+    EXPECT_TRUE(kept.empty());
+    EXPECT_EQ(scansOf(orderFile("Süd")), 3);
+    ASSERT_EQ(create("SÜD", &kept), OrderResult::Done);
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_EQ(scansOf(kept[0]), 3);
+    EXPECT_FALSE(fileExists(orderFile("Süd")));
+    EXPECT_EQ(scansOf(orderFile("Sud")), 0);
+}
+
 TEST_F(KeptOrdersTest, TheFileOfAnotherOrderInAnotherLetterCaseStaysItsOwn)
 {
     orderWithScans("EG", 12, 1);
