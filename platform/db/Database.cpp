@@ -454,8 +454,10 @@ DbError Database::errorFor(int rc, std::string_view sql) const
     if (message.rfind("no such column", 0) == 0)
         return DbError(dberr::ItemNotFound, "Element in dieser Auflistung nicht gefunden (" + missingTableName(message) + ").");
     // The engine's own words are English: a person reads what kind of failure it was, its
-    // number, and the statement the engine could not run.
-    std::string text = "Datenbankfehler " + std::to_string(rc) + ": " + engineFailure(rc);
+    // number, and the statement the engine could not run. A trigger's refusal is told in
+    // the trigger's own words.
+    std::string text = "Datenbankfehler " + std::to_string(rc) + ": " +
+                       (rc == SQLITE_CONSTRAINT_TRIGGER ? message : engineFailure(rc));
     if (!sql.empty() && (rc & 0xff) == SQLITE_ERROR)
         text += " (" + std::string(sql.substr(0, 120)) + ")";
     return DbError(dberr::General, text + ".");

@@ -164,6 +164,9 @@ TEST_F(DatabaseTest, TheEnginesOwnWordsAreToldInGerman)
     db->executeScript("CREATE TABLE T_Pflicht (stWert TEXT NOT NULL);");
     EXPECT_EQ(description("INSERT INTO T_Pflicht (stWert) VALUES (NULL)"),
               "Datenbankfehler 1299: Der Wert verletzt eine Bedingung der Tabelle.");
+    // A trigger refuses in its own words.
+    db->executeScript("CREATE TRIGGER T_Pflicht_nein BEFORE INSERT ON T_Pflicht BEGIN SELECT RAISE(ABORT, 'Nicht hier'); END;");
+    EXPECT_EQ(description("INSERT INTO T_Pflicht (stWert) VALUES ('x')"), "Datenbankfehler 1811: Nicht hier.");
 }
 
 TEST_F(DatabaseTest, ValuesWithQuotesAndKeywordsRoundTrip)

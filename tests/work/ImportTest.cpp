@@ -269,14 +269,29 @@ TEST_F(ImportTest, Windows1252CharactersArriveAsTheRightCharacters)
     EXPECT_EQ(s[0].stTaet, "TÖ");
 }
 
-TEST_F(ImportTest, NulBytesAndUnassignedBytesDoNotStopTheImport)
+TEST_F(ImportTest, UnassignedBytesDoNotStopTheImport)
 {
-    const std::string f = dir.file("nul.dat");
-    writeFile(f, std::string("M,4711,01.02.2015,10:00,1,INV") + '\0' + "X,\x81\x8d,E\r\n");
+    const std::string f = dir.file("frei.dat");
+    writeFile(f, "M,4711,01.02.2015,10:00,1,INV,\x81\x8d,E\r\n");
     ASSERT_TRUE(import(f));
     const auto s = scans();
     ASSERT_EQ(s.size(), 1u);
     EXPECT_EQ(s[0].stArtNr, "\xc2\x81\xc2\x8d");
+}
+
+TEST_F(ImportTest, NulBytesStopTheImportAndAreNeverStored)
+{
+    const std::string f = dir.file("nul.dat");
+    writeFile(f, scanLine("1", "A") + "\r\n" + std::string("M,4711,01.02.2015,10:00,1,INV") + '\0' + "X,X-1,E\r\n");
+    EXPECT_FALSE(import(f));
+    const auto s = scans();
+    ASSERT_EQ(s.size(), 1u);
+    EXPECT_EQ(s[0].stInvNr, "A");
+    ASSERT_EQ(ui.messages.size(), 1u);
+    expectMessage(ui.messages[0],
+                  "frmWork.GetDataFromDat\r\nDie Datei '" + displayPath(f) +
+                      "' ist keine Textdatei der Scanner (sie enthält Nullzeichen).",
+                  MsgIcon::Critical, "QInventur");
 }
 
 TEST_F(ImportTest, ErrorStopsTheImportAndKeepsTheRowsStoredBefore)
