@@ -39,7 +39,8 @@ template <> struct RecordTable<CRaumRec> {
 class CAuftragDb : public RecordDb {
 public:
     /// `ui` shows the messages of the reconciliation and room statements.
-    explicit CAuftragDb(UserInteraction& ui) : ui_(ui) {}
+    /// Text values of the order hold at most 255 characters, as in Jet's text fields.
+    explicit CAuftragDb(UserInteraction& ui) : ui_(ui) { limitText(); }
 
     /// True when the seven order tables exist (names only).
     bool IsValidDb();

@@ -22,6 +22,7 @@ bool RecordDb::OpenDb()
     // OpenOptions and OpenConnectInfo are kept for callers; the engine needs neither.
     try {
         db_ = Database::open(dbPath_, truthy(openReadOnly_));
+        db_->setLimitsText(limitsText_);
         return true;
     } catch (const DbError& e) {
         return fail("Die Datenbank " + displayPath(dbPath_) + " konnte nicht geöffnet werden!", e);

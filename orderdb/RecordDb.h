@@ -64,6 +64,9 @@ public:
     Database* database() { return db_.get(); }
 
 protected:
+    /// Text written to the database holds at most its field's size (see Database::limitsText),
+    /// from the next OpenDb on.
+    void limitText() { limitsText_ = true; }
     /// Clears LastError (every public operation begins so).
     void begin()
     {
@@ -109,6 +112,7 @@ private:
 
     std::string lastError_;
     int lastErrorNumber_ = 0;
+    bool limitsText_ = false;
     std::string dbPath_;
     Value openOptions_;
     Value openReadOnly_;

@@ -84,7 +84,7 @@ struct ColumnInfo {
     bool isKey = false;
     bool isInteger16 = false;
     /// The most characters a text column holds: the size its type names ("TEXT(50)"), or
-    /// Jet's text default of 255; 0 for a column that is no text.
+    /// Jet's text default of 255; 0 for a column that is no text. See Database::limitsText.
     std::size_t textSize = 0;
 };
 
@@ -128,6 +128,10 @@ public:
 
     const std::string& path() const { return path_; }
     bool readOnly() const { return readOnly_; }
+    /// Whether text written through a table recordset holds at most its field's size
+    /// (ColumnInfo::textSize), as Jet's text fields do; off unless asked for.
+    bool limitsText() const { return limitsText_; }
+    void setLimitsText(bool on) { limitsText_ = on; }
 
     /// Runs an action statement with bound values; returns the number of rows changed.
     std::int64_t execute(std::string_view sql, const std::vector<Value>& params = {});
@@ -200,6 +204,7 @@ private:
     sqlite3* db_;
     std::string path_;
     bool readOnly_;
+    bool limitsText_ = false;
     int savepointCounter_ = 0;
     /// Transaction guards open on this connection.
     int transactionDepth_ = 0;

@@ -181,7 +181,7 @@ void TableRecordset::setField(int i, Value value)
             throw DbError(dberr::NumericOverflow, "Numerischer Feldüberlauf.");
         value = n;
     }
-    if (const std::size_t size = info_.columns[std::size_t(i)].textSize; size > 0)
+    if (const std::size_t size = info_.columns[std::size_t(i)].textSize; size > 0 && db_.limitsText())
         if (const auto* text = std::get_if<std::string>(&value))
             if (const std::size_t length = characterCount(*text); length > size)
                 throw DbError(dberr::FieldTooSmall, "Der Wert für das Feld '" + info_.columns[std::size_t(i)].name +

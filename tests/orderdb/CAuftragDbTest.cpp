@@ -50,6 +50,20 @@ TEST_F(OrderDbTest, AddNewGivesTheRecordItsKey)
     EXPECT_EQ(s.lID, 2);
 }
 
+TEST_F(OrderDbTest, ATextLongerThan255CharactersIsRefusedWithError3163)
+{
+    CDateienRec file;
+    file.stName = std::string(256, 'n');
+    EXPECT_FALSE(db.AddNewDateienRec(&file));
+    EXPECT_EQ(db.LastErrorNumber(), dberr::FieldTooSmall);
+    EXPECT_EQ(db.LastError(), "Der Datensatz konnte nicht gespeichert werden!\r\nDer Wert für das Feld 'stName' der "
+                              "Tabelle 'T_Dateien' ist 256 Zeichen lang; das Feld nimmt höchstens 255 Zeichen auf.");
+    EXPECT_EQ(toLong(db.database()->scalar("SELECT count(*) FROM T_Dateien")), 0);
+    file.stName = std::string(255, 'n');
+    EXPECT_TRUE(db.AddNewDateienRec(&file)) << db.LastError();
+    EXPECT_EQ(db.LastErrorNumber(), 0);
+}
+
 TEST_F(OrderDbTest, DuplicateInventoryNumberIsRefusedButSucceeds)
 {
     CDatInventurRec a = scan("4711", "1");
