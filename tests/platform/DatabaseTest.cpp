@@ -167,6 +167,17 @@ TEST_F(DatabaseTest, TheEnginesOwnWordsAreToldInGerman)
     db->executeScript("CREATE TABLE T_Pflicht (stWert TEXT NOT NULL);");
     EXPECT_EQ(description("INSERT INTO T_Pflicht (stWert) VALUES (NULL)"),
               "Datenbankfehler 1299: Der Wert verletzt eine Bedingung der Tabelle.");
+    // Each kind of failure of the engine has German words of its own (the engine's numbers).
+    const std::pair<int, const char*> kinds[] = {
+        {3, "Zugriff verweigert"},           {23, "Zugriff verweigert"},
+        {4, "Der Vorgang wurde abgebrochen"}, {9, "Der Vorgang wurde abgebrochen"},
+        {7, "Nicht genügend Arbeitsspeicher"}, {15, "Die Datei kann nicht gesperrt werden"},
+        {17, "Der Aufbau der Datenbank hat sich geändert"}, {18, "Der Wert ist zu groß"},
+        {20, "Datentypen unverträglich"},    {22, "Die Datei ist zu groß"},
+        {25, "Die Werte passen nicht zur Anweisung"}, {2, "Fehler des Datenbankmoduls"},
+        {21, "Fehler des Datenbankmoduls"}};
+    for (const auto& [rc, words] : kinds)
+        EXPECT_EQ(db->errorFor(rc).description(), "Datenbankfehler " + std::to_string(rc) + ": " + words + ".");
     // A trigger refuses in its own words.
     db->executeScript("CREATE TRIGGER T_Pflicht_nein BEFORE INSERT ON T_Pflicht BEGIN SELECT RAISE(ABORT, 'Nicht hier'); END;");
     EXPECT_EQ(description("INSERT INTO T_Pflicht (stWert) VALUES ('x')"), "Datenbankfehler 1811: Nicht hier.");
