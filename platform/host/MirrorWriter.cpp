@@ -81,9 +81,12 @@ MirrorWriter::~MirrorWriter()
 
 std::string MirrorWriter::failure(int rc) const
 {
-    // The engine's own words are English: the system's failure behind it, or the engine's number.
-    if (const int error = sqlite3_system_errno(db_); error != 0)
-        return systemErrorReason(error) + ".";
+    // The engine's own words are English: the system's failure behind a failure of the file,
+    // or the engine's number.
+    const int primary = rc & 0xff;
+    if (primary == SQLITE_IOERR || primary == SQLITE_FULL || primary == SQLITE_CANTOPEN)
+        if (const int error = sqlite3_system_errno(db_); error != 0)
+            return systemErrorReason(error) + ".";
     return "Fehler " + std::to_string(rc) + " des Datenbankmoduls.";
 }
 
