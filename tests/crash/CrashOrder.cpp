@@ -83,7 +83,7 @@ std::string CrashOrder::output(const std::string& operation) const
 {
     if (operation == "archiv")
         return project + "/Inventur/A1.dat";
-    return root + "/Ausgabe/Differenzliste." + operation;
+    return root + (operation == "pdf" ? "/Ausgabe/Raumliste." : "/Ausgabe/Differenzliste.") + operation;
 }
 
 std::string CrashOrder::templateFolder() const { return firstProgram + "/Leeres Projekt"; }
@@ -251,9 +251,11 @@ bool runCrashOperation(const CrashOrder& o, const std::string& operation)
     for (const auto& [name, format] : {std::pair{"pdf", ReportFormat::Pdf}, std::pair{"xlsx", ReportFormat::Xlsx},
                                        std::pair{"csv", ReportFormat::Csv}})
         if (operation == name) {
-            const std::string error =
-                writeReportFile(o.project + "/Report/invdiff.rpt", o.program + "/QInventurRpt.mdb", "Differenzliste",
-                                "A1", settings.gstProjektPfad, format, o.output(operation));
+            // The pages of the long difference list take long to lay out; the PDF shows the rooms.
+            const bool pdf = format == ReportFormat::Pdf;
+            const std::string error = writeReportFile(
+                o.project + (pdf ? "/Report/invraum.rpt" : "/Report/invdiff.rpt"), o.program + "/QInventurRpt.mdb",
+                pdf ? "Raumliste" : "Differenzliste", "A1", settings.gstProjektPfad, format, o.output(operation));
             if (!error.empty())
                 std::fprintf(stderr, "%s\n", error.c_str());
             return error.empty();

@@ -44,9 +44,9 @@ inline constexpr const char* kNewOrder = "B2";
 /// "entfernen" (remove a file and rebuild), "neu" (rebuild), "auswerten" (evaluation),
 /// "artikel" (article tally), "inventur" (inventory list), "raeume" (the room selection takes
 /// rooms in and out and saves) on the order; "anlegen" (create the order kNewOrder) and
-/// "loeschen" (delete the order "A1") on the project; "pdf", "xlsx", "csv" (the difference
-/// list written as a file; the order must have been evaluated) and "archiv" (the archive of
-/// the scan data) write output(operation); "einrichten" starts the program the first time
+/// "loeschen" (delete the order "A1") on the project; "pdf" (the room list), "xlsx", "csv" (the
+/// difference list; the order must have been evaluated) and "archiv" (the archive of the scan
+/// data) write output(operation); "einrichten" starts the program the first time
 /// on firstProject (which seeds it). Runs one to its end; false when the name is unknown
 /// or the operation reported a failure.
 bool runCrashOperation(const CrashOrder& o, const std::string& operation);

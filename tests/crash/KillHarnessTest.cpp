@@ -4,8 +4,8 @@
 // and holds either what it held before the operation or what the finished operation
 // leaves; while it creates or deletes an order, checking that the register and the
 // order's database are as before or as after, and that what a death leaves never breaks
-// the next order of that name; while it writes the difference list as PDF, Excel and CSV
-// file and the archive of the scan data, checking that the file is the earlier one or the
+// the next order of that name; while it writes the room list as PDF file, the difference
+// list as Excel and CSV file and the archive of the scan data, checking that the file is the earlier one or the
 // whole new one and nothing else is left; and while the program starts the first time on
 // a new project, checking that every file seeding makes is missing or a whole copy of the
 // template, never a register without the rest, and that the next start seeds or uses it.
