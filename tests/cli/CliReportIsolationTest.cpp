@@ -119,13 +119,14 @@ std::vector<std::string> csvLines(const std::string& file)
     return lines;
 }
 
-/// The rows of a report's pages as text (lines that show a row start with two blanks).
+/// The rows of a report's pages as text (lines that show a row start with two blanks and
+/// separate their cells by " | ").
 std::vector<std::string> textRows(const std::string& text)
 {
     std::vector<std::string> rows;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);)
-        if (line.rfind("  ", 0) == 0)
+        if (line.rfind("  ", 0) == 0 && line.find(" | ") != std::string::npos)
             rows.push_back(line.substr(2));
     return rows;
 }
