@@ -541,12 +541,19 @@ std::string frmWork::MakeArchive()
             return {};
         }
         TextFileWriter out(archive);
-        CDatInventurRec* rec = nullptr;
-        f_collDatInventur.ResetIndex();
-        while (f_collDatInventur.GetNext(rec))
-            out.writeLine(rec->stMitarbNr + "," + rec->stAuftragsNr + "," + rec->Datum + "," + rec->Uhrzeit + "," +
-                          rec->stRaum + "," + rec->stInvNr + "," + rec->stArtNr + "," + rec->stTaet);
-        out.close();
+        try {
+            CDatInventurRec* rec = nullptr;
+            f_collDatInventur.ResetIndex();
+            while (f_collDatInventur.GetNext(rec))
+                out.writeLine(rec->stMitarbNr + "," + rec->stAuftragsNr + "," + rec->Datum + "," + rec->Uhrzeit +
+                              "," + rec->stRaum + "," + rec->stInvNr + "," + rec->stArtNr + "," + rec->stTaet);
+            out.close();
+        } catch (const DbError&) {
+            // A write that fails (a full disk) leaves the lines written until then in the archive;
+            // a process that dies while writing leaves the earlier archive whole.
+            out.keepWrittenLines();
+            throw;
+        }
         return archive;
     } catch (const std::exception& e) {
         ui_.showError("frmWork.MakeArchive", e.what());

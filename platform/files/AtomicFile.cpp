@@ -130,7 +130,9 @@ void AtomicFile::discard()
 
 void AtomicFile::fail(int error)
 {
-    discard();
+    // The content written so far stays until the writer decides: thrown away with the object,
+    // or put in place by commitWritten().
+    failed_ = true;
     throw FileError::writing(error, target_);
 }
 
@@ -155,7 +157,7 @@ void AtomicFile::flushBuffer()
 
 void AtomicFile::write(std::string_view bytes)
 {
-    if (fd_ < 0 || committed_)
+    if (fd_ < 0 || committed_ || failed_)
         fail(EBADF);
     buffer_.append(bytes);
     if (buffer_.size() >= kBufferSize)
@@ -195,9 +197,24 @@ void AtomicFile::copyFrom(const std::string& source)
 
 void AtomicFile::commit()
 {
-    if (fd_ < 0 || committed_)
+    if (fd_ < 0 || committed_ || failed_)
         fail(EBADF);
     flushBuffer();
+    place();
+}
+
+void AtomicFile::commitWritten()
+{
+    if (fd_ < 0 || committed_)
+        fail(EBADF);
+    // What a failed write left in the buffer never reached the file.
+    buffer_.clear();
+    failed_ = false;
+    place();
+}
+
+void AtomicFile::place()
+{
     if (::fsync(fd_) != 0 && !(inPlace_ && (errno == EINVAL || errno == EROFS)))
         fail(errno);
     if (inPlace_) {

@@ -61,12 +61,17 @@ public:
     /// target's folder is written to the disk. FileError when any of it fails; the target
     /// then stays as it was.
     void commit();
+    /// After a write that failed (a full disk): puts what reached the file until then in the
+    /// target's place, as commit() does, for writers whose file keeps what was written before a
+    /// failure. FileError when that fails too; the target then stays as it was.
+    void commitWritten();
     /// True once commit() succeeded.
     bool committed() const { return committed_; }
 
 private:
     [[noreturn]] void fail(int error);
     void flushBuffer();
+    void place();
     void discard();
 
     std::string target_; ///< as given
@@ -77,6 +82,7 @@ private:
     int fd_ = -1;
     bool inPlace_ = false;
     bool committed_ = false;
+    bool failed_ = false; ///< a write or the commit failed; only commitWritten() may follow
 };
 
 /// Copies a file to `to` through an AtomicFile: `to` is the complete copy or as it was.

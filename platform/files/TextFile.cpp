@@ -293,7 +293,6 @@ void TextFileWriter::writeLine(std::string_view utf8)
     try {
         file_->write(bytes);
     } catch (const FileError& e) {
-        file_.reset();
         throw writeError(e.error());
     }
 }
@@ -302,11 +301,23 @@ void TextFileWriter::close()
 {
     if (!file_)
         return;
-    const std::unique_ptr<AtomicFile> file = std::move(file_);
     try {
-        file->commit();
+        file_->commit();
     } catch (const FileError& e) {
         throw writeError(e.error());
+    }
+    file_.reset();
+}
+
+void TextFileWriter::keepWrittenLines()
+{
+    if (!file_)
+        return;
+    const std::unique_ptr<AtomicFile> file = std::move(file_);
+    try {
+        file->commitWritten();
+    } catch (const FileError&) {
+        // The earlier file stays; the failure that ended the writing has been told already.
     }
 }
 

@@ -85,6 +85,11 @@ public:
     void writeLine(std::string_view utf8);
     /// Writes the rest and puts the file in place; DbError as writeLine when that fails.
     void close();
+    /// After writeLine or close failed: puts the lines that reached the file until then in the
+    /// file's place, for a file that keeps what was written before a failure (a full disk).
+    /// Never throws; when even that fails the
+    /// earlier file stays.
+    void keepWrittenLines();
 
 private:
     std::unique_ptr<AtomicFile> file_;

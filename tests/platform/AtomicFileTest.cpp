@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
@@ -183,6 +184,41 @@ TEST(AtomicFile, AFullDiskSaysSoInGermanAndLeavesTheEarlierFileAndNothingElse)
                                                  "Datenträger.");
         }
         EXPECT_EQ(changedFiles(before, digestFiles(disk)), "");
+    });
+}
+
+TEST(AtomicFile, AfterAFullDiskWhatWasWrittenMayTakeTheTargetsPlace)
+{
+    TempDir dir;
+    const std::string disk = dir.file("Platte");
+    fs::create_directories(disk);
+    inOwnMounts([&] {
+        mountRamDisk(disk, 1024 * 1024);
+        const std::string target = disk + "/Archiv.dat";
+        writeFile(target, "das frühere Archiv");
+        fillDisk(disk, 16 * 1024);
+        AtomicFile file(target);
+        const std::string block(64 * 1024, 'z');
+        bool full = false;
+        for (int i = 0; i < 40 && !full; ++i) {
+            try {
+                file.write(block);
+            } catch (const FileError& e) {
+                full = true;
+                EXPECT_EQ(e.error(), ENOSPC);
+            }
+        }
+        ASSERT_TRUE(full);
+        // A commit after the failure is refused; what reached the file may still be put in place.
+        EXPECT_THROW(file.commit(), FileError);
+        file.commitWritten();
+        EXPECT_TRUE(file.committed());
+        const std::string written = readFile(target);
+        EXPECT_GT(written.size(), 0u);
+        EXPECT_LT(written.size(), 40u * block.size());
+        EXPECT_EQ(written.find_first_not_of('z'), std::string::npos);
+        for (const auto& entry : fs::directory_iterator(disk))
+            EXPECT_NE(entry.path().filename().string().front(), '~') << entry.path();
     });
 }
 
