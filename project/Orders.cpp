@@ -255,8 +255,12 @@ std::string orderDatabaseFile(const Settings& settings, const std::string& stPfa
     return path;
 }
 
-OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
-                        std::vector<std::string>* kept)
+namespace {
+
+/// A new order `rec` whose database is a copy of `source`: the empty order database, or a kept
+/// one taken back (`restore`).
+OrderResult newOrderFrom(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
+                         const std::string& source, bool restore, std::vector<std::string>* kept)
 {
     if (RefuseProjectChange(settings, ui))
         return OrderResult::ReadOnly;
@@ -270,7 +274,7 @@ OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteract
 
     std::string staged;
     try {
-        staged = makeStagedDatabase(settings, ui, name, settings.gstProjektPfad + kTemplateOrderDb, false);
+        staged = makeStagedDatabase(settings, ui, name, source, restore);
     } catch (const std::exception& e) {
         ui.showError(mainlabel::MakeDatabase, describe(e));
         return OrderResult::Failed;
@@ -278,27 +282,18 @@ OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteract
     return installOrder(reg, settings, ui, rec, staged, kept);
 }
 
+} // namespace
+
+OrderResult CreateOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, CAuftragRec& rec,
+                        std::vector<std::string>* kept)
+{
+    return newOrderFrom(reg, settings, ui, rec, settings.gstProjektPfad + kTemplateOrderDb, false, kept);
+}
+
 OrderResult RestoreOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const std::string& keptFile,
                          CAuftragRec& rec, std::vector<std::string>* kept)
 {
-    if (RefuseProjectChange(settings, ui))
-        return OrderResult::ReadOnly;
-    const std::string name = rec.stBezeichung;
-    if (const std::string problem = orderNameProblem(name); !problem.empty()) {
-        ui.showError(mainlabel::MakeDatabase, problem);
-        return OrderResult::NameRefused;
-    }
-    rec.erstellt = JetDate::now();
-    rec.letzte_Aenderung = rec.erstellt;
-
-    std::string staged;
-    try {
-        staged = makeStagedDatabase(settings, ui, name, keptFile, true);
-    } catch (const std::exception& e) {
-        ui.showError(mainlabel::MakeDatabase, describe(e));
-        return OrderResult::Failed;
-    }
-    return installOrder(reg, settings, ui, rec, staged, kept);
+    return newOrderFrom(reg, settings, ui, rec, keptFile, true, kept);
 }
 
 OrderResult DeleteOrder(CInventurDb& reg, const Settings& settings, UserInteraction& ui, const CAuftragRec& rec,

@@ -122,6 +122,19 @@ protected:
         return ui.messages;
     }
 
+    /// Writes the archive of the order on the disk, which fails; answers the messages.
+    std::vector<RecordedMessage> makeArchive()
+    {
+        ScriptedUserInteraction ui;
+        CAuftragDb db(ui);
+        db.setDbPath(order());
+        EXPECT_TRUE(db.OpenDb()) << db.LastError();
+        Settings s = settingsFor(disk);
+        frmWork w(db, s, ui);
+        EXPECT_EQ(w.MakeArchive(), "");
+        return ui.messages;
+    }
+
     TempDir dir;
     std::string source, disk, first, second;
     demo::Installation inst;
@@ -183,17 +196,10 @@ TEST_F(DiskFullTest, AnArchiveTheDiskCantTakeSaysSoAndLeavesTheOrderAsItIs)
     inOwnMounts([&] {
         projectOnAFullDisk(16 * 1024);
         const std::string before = contentDigest(order());
-        ScriptedUserInteraction ui;
-        CAuftragDb db(ui);
-        db.setDbPath(order());
-        ASSERT_TRUE(db.OpenDb());
-        Settings s = settingsFor(disk);
-        frmWork w(db, s, ui);
-        EXPECT_EQ(w.MakeArchive(), "");
-        db.CloseDb();
-        ASSERT_EQ(ui.messages.size(), 1u);
-        EXPECT_EQ(ui.messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
-        EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+        const auto messages = makeArchive();
+        ASSERT_EQ(messages.size(), 1u);
+        EXPECT_EQ(messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
+        EXPECT_EQ(messages[0].icon, MsgIcon::Critical);
         EXPECT_EQ(contentDigest(order()), before);
         // The lines written until the disk was full stay in the archive, and nothing else is left.
         const std::string archive = readFile(disk + "/Inventur/A1.dat");
@@ -210,16 +216,9 @@ TEST_F(DiskFullTest, AnArchiveTheDiskCantTakeReplacesTheEarlierOneWithTheLinesWr
         fs::copy(source, disk, fs::copy_options::recursive);
         writeFile(disk + "/Inventur/A1.dat", "7,4711,01.03.2025,10:00:00,101,INV-1,X-1,I\r\n");
         fillDisk(disk, 16 * 1024);
-        ScriptedUserInteraction ui;
-        CAuftragDb db(ui);
-        db.setDbPath(order());
-        ASSERT_TRUE(db.OpenDb());
-        Settings s = settingsFor(disk);
-        frmWork w(db, s, ui);
-        EXPECT_EQ(w.MakeArchive(), "");
-        db.CloseDb();
-        ASSERT_EQ(ui.messages.size(), 1u);
-        EXPECT_EQ(ui.messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
+        const auto messages = makeArchive();
+        ASSERT_EQ(messages.size(), 1u);
+        EXPECT_EQ(messages[0].text, "frmWork.MakeArchive\r\nDatenträger voll");
         const std::string archive = readFile(disk + "/Inventur/A1.dat");
         EXPECT_GT(archive.size(), 0u);
         EXPECT_EQ(archive.find("7,4711,01.03.2025"), std::string::npos);
