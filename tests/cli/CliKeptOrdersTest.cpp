@@ -3,6 +3,7 @@
 // was cut off reads it as it was before that change.
 
 #include "CliFixture.h"
+#include "CutOffChange.h"
 
 #include "FileSystem.h"
 #include "KeptOrders.h"
@@ -11,10 +12,7 @@
 #include "RolledBackCopy.h"
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace qi::test {
 namespace {
@@ -43,30 +41,6 @@ protected:
     /// The register is lost: moved out of the project, as a sync tool or a slip of the hand does.
     void loseRegister() { fs::rename(demoDir + "/QInventur.mdb", root.file("QInventur weg.mdb")); }
 };
-
-/// Leaves the order's file as a command leaves it that is killed in the middle of a change: it
-/// deletes every scan and adds data files until pages of the file are written, then dies.
-void cutOffChange(const std::string& file)
-{
-    const pid_t pid = fork();
-    if (pid == 0) {
-        try {
-            auto db = Database::open(file);
-            db->execute("PRAGMA cache_size = 2");
-            Database::Transaction tx(*db);
-            db->execute("DELETE FROM T_DatInventur");
-            for (int i = 0; i < 400; ++i)
-                db->execute("INSERT INTO T_Dateien (stName) VALUES (?1)", {std::to_string(i) + std::string(500, 'x')});
-            std::raise(SIGKILL);
-        } catch (...) {
-        }
-        _exit(3);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
-    ASSERT_TRUE(hasJournal(file));
-}
 
 TEST_F(CliKeptOrdersTest, ALostRegisterCostsNoOrderAndTheKeptOrderComesBack)
 {

@@ -8,6 +8,7 @@
 
 #include "CInventurDb.h"
 #include "FileSystem.h"
+#include "HoldingChild.h"
 #include "LinkedDatabase.h"
 #include "Orders.h"
 #include "ProjectLock.h"
@@ -67,25 +68,11 @@ int waitFor(pid_t pid)
 class OtherProgram {
 public:
     explicit OtherProgram(const std::string& project)
+        : pid_(startHoldingChild([&](const ChildReady& ready) {
+              ProjectLock lock(project);
+              ready(lock.held());
+          }))
     {
-        int ready[2];
-        if (pipe(ready) != 0)
-            return;
-        std::fflush(stdout);
-        pid_ = fork();
-        if (pid_ == 0) {
-            close(ready[0]);
-            ProjectLock lock(project);
-            const char answer = lock.held() ? 'y' : 'n';
-            if (write(ready[1], &answer, 1) != 1)
-                _exit(3);
-            for (;;)
-                pause();
-        }
-        close(ready[1]);
-        char answer = 0;
-        held_ = read(ready[0], &answer, 1) == 1 && answer == 'y';
-        close(ready[0]);
     }
     ~OtherProgram()
     {
@@ -96,11 +83,10 @@ public:
     }
     OtherProgram(const OtherProgram&) = delete;
     OtherProgram& operator=(const OtherProgram&) = delete;
-    bool held() const { return held_; }
+    bool held() const { return pid_ > 0; }
 
 private:
     pid_t pid_ = -1;
-    bool held_ = false;
 };
 
 /// The lines of a CSV written by the program: the heading, then the rows (byte-order mark dropped).

@@ -36,6 +36,7 @@
 #include <random>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace qi::test {
 namespace {
@@ -57,6 +58,26 @@ int finish(pid_t pid)
     int status = 0;
     waitpid(pid, &status, 0);
     return status;
+}
+
+/// Runs the operation to its end: its exit status and how long it took.
+std::pair<int, std::chrono::microseconds> runToItsEnd(const CrashOrder& o, const std::string& operation)
+{
+    const auto t0 = Clock::now();
+    const int status = finish(start(o, operation));
+    return {status, std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0)};
+}
+
+/// Starts the operation and kills it after a moment drawn from `moment`; returns that moment (µs).
+long killAtRandom(const CrashOrder& o, const std::string& operation, std::uniform_int_distribution<long>& moment,
+                  std::mt19937& random)
+{
+    const long at = moment(random);
+    const pid_t pid = start(o, operation);
+    std::this_thread::sleep_for(std::chrono::microseconds(at));
+    kill(pid, SIGKILL);
+    finish(pid);
+    return at;
 }
 
 /// Puts the order back as prepared: the journal a killed process left goes first.
@@ -88,9 +109,7 @@ TEST(KillHarness, EveryOperationLeavesTheOrderAsBeforeOrAsAfter)
         SCOPED_TRACE(operation);
         // The operation to its end: how long it takes and what it leaves.
         restore(o, saved);
-        const auto t0 = Clock::now();
-        const int status = finish(start(o, operation));
-        const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+        const auto [status, duration] = runToItsEnd(o, operation);
         ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the operation did not succeed";
         ASSERT_TRUE(integrityOk(o.order));
         const std::string after = contentDigest(o.order);
@@ -100,11 +119,7 @@ TEST(KillHarness, EveryOperationLeavesTheOrderAsBeforeOrAsAfter)
         std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
         for (int k = 0; k < kills; ++k) {
             restore(o, saved);
-            const long at = moment(random);
-            const pid_t pid = start(o, operation);
-            std::this_thread::sleep_for(std::chrono::microseconds(at));
-            kill(pid, SIGKILL);
-            finish(pid);
+            const long at = killAtRandom(o, operation, moment, random);
             ASSERT_TRUE(integrityOk(o.order)) << "kill " << k << " after " << at << " µs";
             const std::string now = contentDigest(o.order);
             ASSERT_TRUE(now == before || now == after) << "kill " << k << " after " << at << " µs left a third state";
@@ -173,9 +188,7 @@ TEST(KillHarness, CreatingAndDeletingAnOrderLeaveTheProjectAsBeforeOrAsAfter)
         const std::string orderFile = operation == "anlegen" ? newOrder : o.order;
         restoreProject(o, savedRegistry, savedOrder);
         const ProjectState before = projectState(o, orderFile);
-        const auto t0 = Clock::now();
-        const int status = finish(start(o, operation));
-        const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+        const auto [status, duration] = runToItsEnd(o, operation);
         ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the operation did not succeed";
         const ProjectState after = projectState(o, orderFile);
         ASSERT_NE(after.registry, before.registry);
@@ -185,11 +198,7 @@ TEST(KillHarness, CreatingAndDeletingAnOrderLeaveTheProjectAsBeforeOrAsAfter)
         std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
         for (int k = 0; k < kills; ++k) {
             restoreProject(o, savedRegistry, savedOrder);
-            const long at = moment(random);
-            const pid_t pid = start(o, operation);
-            std::this_thread::sleep_for(std::chrono::microseconds(at));
-            kill(pid, SIGKILL);
-            finish(pid);
+            const long at = killAtRandom(o, operation, moment, random);
             SCOPED_TRACE("kill " + std::to_string(k) + " after " + std::to_string(at) + " µs");
             const ProjectState now = projectState(o, orderFile);
             // The register decides: the order it names is whole; a file it does not name is an orphan.
@@ -281,9 +290,7 @@ TEST(KillHarness, AKilledOutputLeavesTheEarlierFileOrTheWholeNewOne)
         const std::string path = o.output(operation);
         const std::string folder = std::filesystem::path(path).parent_path().string();
         writeFile(path, earlier);
-        const auto t0 = Clock::now();
-        const int status = finish(start(o, operation));
-        const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+        const auto [status, duration] = runToItsEnd(o, operation);
         ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the operation did not succeed";
         const std::string reference = readFile(path);
         ASSERT_NE(reference, earlier) << "the operation wrote nothing";
@@ -293,11 +300,7 @@ TEST(KillHarness, AKilledOutputLeavesTheEarlierFileOrTheWholeNewOne)
         std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
         for (int k = 0; k < kills; ++k) {
             writeFile(path, earlier);
-            const long at = moment(random);
-            const pid_t pid = start(o, operation);
-            std::this_thread::sleep_for(std::chrono::microseconds(at));
-            kill(pid, SIGKILL);
-            finish(pid);
+            const long at = killAtRandom(o, operation, moment, random);
             SCOPED_TRACE("kill " + std::to_string(k) + " after " + std::to_string(at) + " µs");
             const std::string now = readFile(path);
             if (now == earlier) {
@@ -344,9 +347,7 @@ TEST(KillHarness, AKilledFirstStartLeavesAProjectTheNextStartSeedsOrUses)
         return present == int(templates.size());
     };
 
-    const auto t0 = Clock::now();
-    const int status = finish(start(o, "einrichten"));
-    const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - t0);
+    const auto [status, duration] = runToItsEnd(o, "einrichten");
     ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the first start did not succeed";
     int present = 0;
     ASSERT_TRUE(seededWhole(present));
@@ -357,11 +358,7 @@ TEST(KillHarness, AKilledFirstStartLeavesAProjectTheNextStartSeedsOrUses)
     std::uniform_int_distribution<long> moment(0, long(duration.count() * 11 / 10));
     for (int k = 0; k < kills; ++k) {
         unseed();
-        const long at = moment(random);
-        const pid_t pid = start(o, "einrichten");
-        std::this_thread::sleep_for(std::chrono::microseconds(at));
-        kill(pid, SIGKILL);
-        finish(pid);
+        const long at = killAtRandom(o, "einrichten", moment, random);
         SCOPED_TRACE("kill " + std::to_string(k) + " after " + std::to_string(at) + " µs");
         const bool whole = seededWhole(present);
         // The register comes last: a project with one has all the rest.

@@ -2,6 +2,7 @@
 // lock left by a killed program.
 
 #include "FileSystem.h"
+#include "HoldingChild.h"
 #include "ProjectLock.h"
 #include "TestSupport.h"
 
@@ -34,25 +35,10 @@ int inChild(Body body)
 /// A child that takes the lock, tells the parent through a pipe and waits to be killed.
 pid_t holdInChild(const std::string& folder)
 {
-    int ready[2];
-    if (pipe(ready) != 0)
-        return -1;
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(ready[0]);
+    return test::startHoldingChild([&](const test::ChildReady& ready) {
         ProjectLock lock(folder);
-        const char answer = lock.held() ? 'y' : 'n';
-        if (write(ready[1], &answer, 1) != 1)
-            _exit(3);
-        for (;;)
-            pause();
-    }
-    close(ready[1]);
-    char answer = 0;
-    if (read(ready[0], &answer, 1) != 1 || answer != 'y')
-        return -1;
-    close(ready[0]);
-    return pid;
+        ready(lock.held());
+    });
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "TextFile.h"
 
 #include "DbError.h"
+#include "DbErrorOf.h"
 #include "FileSystem.h"
 #include "TestSupport.h"
 
@@ -16,17 +17,7 @@
 namespace qi {
 namespace {
 
-/// The number and description of the DbError that `read` raises; {0, ""} when none.
-template <class Read>
-std::pair<int, std::string> errorOf(Read&& read)
-{
-    try {
-        read();
-    } catch (const DbError& e) {
-        return {e.number(), e.description()};
-    }
-    return {0, ""};
-}
+using test::errorOf;
 
 std::string quoted(const std::string& path) { return "'" + displayPath(path) + "'"; }
 

@@ -7,72 +7,37 @@
 #include "Orders.h"
 #include "RolledBackCopy.h"
 
+#include "CutOffChange.h"
 #include "FileSystem.h"
+#include "OrderRegisterFixture.h"
 #include "TestSupport.h"
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace qi::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// Leaves `file` as a process leaves it that dies in the middle of a change: the process deletes
-/// every scan and adds data files until pages of the file are written, then is killed.
-void cutOffChange(const std::string& file)
+/// Leaves `file` with its last change cut off, which only a program that may write the file
+/// puts back.
+void leaveCutOffChange(const std::string& file)
 {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        try {
-            auto db = Database::open(file);
-            db->execute("PRAGMA cache_size = 2");
-            Database::Transaction tx(*db);
-            db->execute("DELETE FROM T_DatInventur");
-            for (int i = 0; i < 400; ++i)
-                db->execute("INSERT INTO T_Dateien (stName) VALUES (?1)", {std::to_string(i) + std::string(500, 'x')});
-            std::raise(SIGKILL);
-        } catch (...) {
-        }
-        _exit(3);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
-    ASSERT_TRUE(hasJournal(file));
-    // Only a program that may write the file puts it back.
+    cutOffChange(file);
+    if (::testing::Test::HasFatalFailure())
+        return;
     EXPECT_THROW(Database::open(file, true), DbError);
 }
 
-class KeptOrdersTest : public ::testing::Test {
+class KeptOrdersTest : public OrderRegisterFixture {
 protected:
-    void SetUp() override
-    {
-        project = dir.path() + "/Projekt/";
-        fs::create_directories(project);
-        makeRegisterDatabase(project + "QInventur.mdb");
-        makeOrderDatabase(project + "QAuftrag.mdb");
-        settings.gstProjektPfad = project;
-        settings.gstProjekttyp = "ptJet";
-        settings.gstAppPfad = dir.path() + "/Programm";
-        reg.setDbPath(project + "QInventur.mdb");
-        ASSERT_TRUE(reg.OpenDb()) << reg.LastError();
-    }
     OrderResult create(const std::string& name, std::vector<std::string>* kept = nullptr)
     {
         CAuftragRec rec;
         rec.stBezeichung = name;
         rec.stErsteller = "Meier";
         return CreateOrder(reg, settings, ui, rec, kept);
-    }
-    std::vector<CAuftragRec> rows()
-    {
-        CAuftragRecColl coll;
-        EXPECT_TRUE(reg.ReadAllAuftragRec2Coll(coll));
-        return {coll.begin(), coll.end()};
     }
     const CAuftragRec* row(const std::string& name)
     {
@@ -82,7 +47,6 @@ protected:
                 return &r;
         return nullptr;
     }
-    std::string orderFile(const std::string& name) const { return project + "Inventur/" + name + ".mdb"; }
     std::string keptFolder() const { return project + "Inventur/Gesichert"; }
     /// The order `name` with `scans` scans in `files` data files.
     void orderWithScans(const std::string& name, int scans, int files)
@@ -117,11 +81,6 @@ protected:
         return names;
     }
 
-    TempDir dir;
-    std::string project;
-    Settings settings;
-    ScriptedUserInteraction ui;
-    CInventurDb reg;
     std::vector<CAuftragRec> rows_;
 };
 
@@ -363,7 +322,7 @@ TEST_F(KeptOrdersTest, AReadOnlyProjectTakesNothingBack)
 TEST_F(KeptOrdersTest, LookingAtACutOffOrderReadsAPutBackCopyAndLeavesTheFile)
 {
     orderWithScans("EG", 470, 2);
-    cutOffChange(orderFile("EG"));
+    leaveCutOffChange(orderFile("EG"));
     const auto before = treeDigest(project + "Inventur");
 
     CAuftragRec rec = *row("EG");
@@ -387,7 +346,7 @@ TEST_F(KeptOrdersTest, LookingAtACutOffOrderReadsAPutBackCopyAndLeavesTheFile)
 TEST_F(KeptOrdersTest, ACutOffOrderOfAReadOnlyProjectIsWorkedOnInAPutBackCopyThatRefusesChanges)
 {
     orderWithScans("EG", 470, 2);
-    cutOffChange(orderFile("EG"));
+    leaveCutOffChange(orderFile("EG"));
     const auto before = treeDigest(project + "Inventur");
     settings.readOnly = true;
     CAuftragRec rec = *row("EG");
@@ -405,7 +364,7 @@ TEST_F(KeptOrdersTest, ACutOffOrderOfAReadOnlyProjectIsWorkedOnInAPutBackCopyTha
 TEST_F(KeptOrdersTest, ACutOffOrderOfAProjectThatMayBeChangedIsPutBackInPlace)
 {
     orderWithScans("EG", 470, 2);
-    cutOffChange(orderFile("EG"));
+    leaveCutOffChange(orderFile("EG"));
     CAuftragRec rec = *row("EG");
     CAuftragDb worked(ui);
     std::unique_ptr<RolledBackCopy> putBack;
@@ -431,7 +390,7 @@ TEST_F(KeptOrdersTest, AnOrderWithoutACutOffChangeIsLookedAtInPlace)
 TEST_F(KeptOrdersTest, ACutOffFileIsKeptWithItsJournalAndListedAndTakenBackAsBeforeTheChange)
 {
     orderWithScans("EG", 470, 2);
-    cutOffChange(orderFile("EG"));
+    leaveCutOffChange(orderFile("EG"));
     loseRow("EG");
     std::vector<std::string> kept;
     ASSERT_EQ(create("EG", &kept), OrderResult::Done);

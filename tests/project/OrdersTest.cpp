@@ -5,6 +5,8 @@
 
 #include "Orders.h"
 
+#include "OrderRegisterFixture.h"
+
 #include "FileSystem.h"
 #include "OrderName.h"
 #include "TestSupport.h"
@@ -16,20 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class OrdersTest : public ::testing::Test {
+class OrdersTest : public OrderRegisterFixture {
 protected:
-    void SetUp() override
-    {
-        project = dir.path() + "/Projekt/";
-        fs::create_directories(project);
-        makeRegisterDatabase(project + "QInventur.mdb");
-        makeOrderDatabase(project + "QAuftrag.mdb");
-        settings.gstProjektPfad = project;
-        settings.gstProjekttyp = "ptJet";
-        settings.gstAppPfad = dir.path() + "/Programm";
-        reg.setDbPath(project + "QInventur.mdb");
-        ASSERT_TRUE(reg.OpenDb()) << reg.LastError();
-    }
     OrderResult create(const std::string& name, const std::string& person = "Meier")
     {
         CAuftragRec rec;
@@ -37,23 +27,10 @@ protected:
         rec.stErsteller = person;
         return CreateOrder(reg, settings, ui, rec);
     }
-    std::vector<CAuftragRec> rows()
-    {
-        CAuftragRecColl coll;
-        EXPECT_TRUE(reg.ReadAllAuftragRec2Coll(coll));
-        return {coll.begin(), coll.end()};
-    }
-    std::string orderFile(const std::string& name) const { return project + "Inventur/" + name + ".mdb"; }
     std::string stAuftragOf(const std::string& file)
     {
         return toText(Database::open(file, true)->scalar("SELECT stAuftrag FROM T_Auftrag"));
     }
-
-    TempDir dir;
-    std::string project;
-    Settings settings;
-    ScriptedUserInteraction ui;
-    CInventurDb reg;
 };
 
 // ---------------------------------------------------------------- names that are refused

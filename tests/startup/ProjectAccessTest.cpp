@@ -7,6 +7,7 @@
 #include "DemoInstallation.h"
 #include "FileDigests.h"
 #include "FileSystem.h"
+#include "HoldingChild.h"
 #include "OwnMounts.h"
 #include "ProjectAccess.h"
 #include "ReportLinks.h"
@@ -158,32 +159,12 @@ protected:
 /// A child process that runs start-up on the project and keeps it until it is killed.
 pid_t secondProgram(const std::string& programFolder)
 {
-    int ready[2];
-    if (pipe(ready) != 0)
-        return -1;
-    std::fflush(stdout);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        close(ready[0]);
+    return test::startHoldingChild([&](const test::ChildReady& ready) {
         Settings s;
         ScriptedUserInteraction u;
         StartupResult r = RunStartup(programFolder, s, u);
-        const char answer = r.completed && r.lock && !s.readOnly && u.messages.empty() ? 'y' : 'n';
-        if (write(ready[1], &answer, 1) != 1)
-            _exit(3);
-        for (;;)
-            pause();
-    }
-    close(ready[1]);
-    char answer = 0;
-    const bool started = read(ready[0], &answer, 1) == 1 && answer == 'y';
-    close(ready[0]);
-    if (!started) {
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
-        return -1;
-    }
-    return pid;
+        ready(r.completed && r.lock && !s.readOnly && u.messages.empty());
+    });
 }
 
 std::string lockFileValue(const std::string& project, const std::string& key)

@@ -4,6 +4,7 @@
 #include "ScannerFile.h"
 
 #include "DbError.h"
+#include "DbErrorOf.h"
 #include "FileSystem.h"
 #include "TestSupport.h"
 #include "bGeneral.h"
@@ -64,18 +65,6 @@ TEST(ScannerFile, ALineOfTooManyFieldsOverflowsLikeFieldCount)
     } catch (const DbError& e) {
         EXPECT_EQ(e.number(), dberr::Overflow);
     }
-}
-
-/// The description of the DbError that `read` raises, with its number; {0, ""} when none.
-template <class Read>
-std::pair<int, std::string> errorOf(Read&& read)
-{
-    try {
-        read();
-    } catch (const DbError& e) {
-        return {e.number(), e.description()};
-    }
-    return {0, ""};
 }
 
 std::string notScannerText(const std::string& path, const std::string& why)
