@@ -24,15 +24,7 @@ protected:
     std::int64_t scans(const std::string& file) { return count(file, "SELECT COUNT(*) FROM T_DatInventur"); }
     std::string keptFolder() const { return demoDir + "/Inventur/Gesichert"; }
     /// The kept files' names.
-    std::vector<std::string> keptFiles() const
-    {
-        std::vector<std::string> names;
-        std::error_code ec;
-        for (fs::directory_iterator it(keptFolder(), ec), end; !ec && it != end; it.increment(ec))
-            names.push_back(it->path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
+    std::vector<std::string> keptFiles() const { return sortedNames(keptFolder()); }
     /// "[qinventur-cli] Die bisherige Datenbank des Auftrags 'order' wurde gesichert: <kept folder>/<file>\n"
     std::string keptLine(const std::string& file) const
     {

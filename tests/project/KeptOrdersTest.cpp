@@ -71,15 +71,7 @@ protected:
     {
         return toLong(Database::open(file, true)->scalar("SELECT COUNT(*) FROM T_DatInventur"));
     }
-    std::vector<std::string> keptFiles() const
-    {
-        std::vector<std::string> names;
-        std::error_code ec;
-        for (fs::directory_iterator it(keptFolder(), ec), end; !ec && it != end; it.increment(ec))
-            names.push_back(it->path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
-    }
+    std::vector<std::string> keptFiles() const { return sortedNames(keptFolder()); }
 
     std::vector<CAuftragRec> rows_;
 };

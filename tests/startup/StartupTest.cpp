@@ -48,6 +48,9 @@ protected:
     void projektIni(const std::string& body) { writeFile(project + "/Projekt.ini", body); }
 
     StartupResult run() { return RunStartup(program, settings, ui); }
+    /// Start-up on a project whose register holds `registerBytes`, as a seeding that was cut
+    /// off leaves it, seeds the project again without a word.
+    void expectRegisterSeededAgain(const std::string& registerBytes);
 
     void expectProblem(std::size_t index, const std::string& text)
     {
@@ -371,9 +374,9 @@ TEST_F(StartupTest, SeedingLeavesNoFileButTheSpecifiedOnes)
     EXPECT_TRUE(names.empty()) << *names.begin();
 }
 
-TEST_F(StartupTest, AnEmptyRegisterLeftByAnInterruptedSeedingIsSeededAgain)
+void StartupTest::expectRegisterSeededAgain(const std::string& registerBytes)
 {
-    writeFile(project + "/QInventur.mdb", "");
+    writeFile(project + "/QInventur.mdb", registerBytes);
     quarnIni(project);
     const auto r = run();
     EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
@@ -381,14 +384,11 @@ TEST_F(StartupTest, AnEmptyRegisterLeftByAnInterruptedSeedingIsSeededAgain)
     expectSeeded(program, project);
 }
 
+TEST_F(StartupTest, AnEmptyRegisterLeftByAnInterruptedSeedingIsSeededAgain) { expectRegisterSeededAgain(""); }
+
 TEST_F(StartupTest, ACutShortRegisterLeftByAnInterruptedSeedingIsSeededAgain)
 {
-    writeFile(project + "/QInventur.mdb", cutShort(program + "/Leeres Projekt/QInventur.mdb"));
-    quarnIni(project);
-    const auto r = run();
-    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
-    EXPECT_TRUE(r.completed);
-    expectSeeded(program, project);
+    expectRegisterSeededAgain(cutShort(program + "/Leeres Projekt/QInventur.mdb"));
 }
 
 TEST_F(StartupTest, AnEmptyOrderTemplateLeftByAnInterruptedSeedingIsSeededAgain)

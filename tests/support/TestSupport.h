@@ -8,6 +8,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 class QApplication;
 
@@ -41,6 +42,9 @@ void makeRegisterDatabase(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
+
+/// The names of the entries of `folder`, sorted; none when it is missing.
+std::vector<std::string> sortedNames(const std::string& folder);
 
 /// Every file below `folder` (path relative to it) with its size and a digest of its bytes:
 /// two snapshots are equal when no file was added, removed or changed. Project lock files
