@@ -104,8 +104,9 @@ protected:
         return d;
     }
 
-    /// Adds the second file to the order on the disk; answers the messages.
-    std::vector<RecordedMessage> addSecondFile()
+    /// Runs `step` in the work window of the order on the disk; answers the messages.
+    template <class Step>
+    std::vector<RecordedMessage> inWorkWindow(Step step)
     {
         ScriptedUserInteraction ui;
         CAuftragDb db(ui);
@@ -113,26 +114,27 @@ protected:
         EXPECT_TRUE(db.OpenDb()) << db.LastError();
         Settings s = settingsFor(disk);
         frmWork w(db, s, ui);
-        EXPECT_TRUE(w.Init());
-        ui.fileChoices.push_back(second);
-        w.pbAdd_Click();
-        // The window shows the order as it is: the first file and its rooms.
-        EXPECT_EQ(w.lvDateien.size(), 1u);
-        EXPECT_FALSE(ui.busy);
+        step(w, ui);
         return ui.messages;
+    }
+
+    /// Adds the second file to the order on the disk; answers the messages.
+    std::vector<RecordedMessage> addSecondFile()
+    {
+        return inWorkWindow([&](frmWork& w, ScriptedUserInteraction& ui) {
+            EXPECT_TRUE(w.Init());
+            ui.fileChoices.push_back(second);
+            w.pbAdd_Click();
+            // The window shows the order as it is: the first file and its rooms.
+            EXPECT_EQ(w.lvDateien.size(), 1u);
+            EXPECT_FALSE(ui.busy);
+        });
     }
 
     /// Writes the archive of the order on the disk, which fails; answers the messages.
     std::vector<RecordedMessage> makeArchive()
     {
-        ScriptedUserInteraction ui;
-        CAuftragDb db(ui);
-        db.setDbPath(order());
-        EXPECT_TRUE(db.OpenDb()) << db.LastError();
-        Settings s = settingsFor(disk);
-        frmWork w(db, s, ui);
-        EXPECT_EQ(w.MakeArchive(), "");
-        return ui.messages;
+        return inWorkWindow([](frmWork& w, ScriptedUserInteraction&) { EXPECT_EQ(w.MakeArchive(), ""); });
     }
 
     TempDir dir;
