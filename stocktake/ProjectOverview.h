@@ -39,4 +39,9 @@ struct OverviewCancelled {};
 std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb& gebDb,
                                                const OverviewOptions& options = {});
 
+/// The same with Quarn's components opened for the call from the settings (as start-up opens
+/// them), so that it may run in a thread of its own; std::runtime_error (German text) when
+/// Quarn's databases can't be opened.
+std::unique_ptr<Database> computeProjectResult(const Settings& settings, const OverviewOptions& options = {});
+
 } // namespace qi
