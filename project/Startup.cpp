@@ -184,11 +184,7 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
             useHostMirrorForLinks(settings.gstAppPfad);
             if (!settings.isJet())
                 refreshServerMirror(settings, ui);
-            auto geb = std::make_unique<QGebDb>();
-            geb->Open(settings.gstAppPfad, settings.buildingDatabase());
-            if (!prefix.empty())
-                geb->OpenObjects(settings.objectDatabase(), prefix);
-            result.gebDb = std::move(geb);
+            result.gebDb = openBuildingComponent(settings);
         }))
         return result;
 
@@ -206,6 +202,20 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
     // 12. The per-order database object and the current order record are the main window's.
     result.completed = true;
     return result;
+}
+
+std::unique_ptr<QGebDb> openBuildingComponent(const Settings& settings, std::string* error)
+{
+    auto geb = std::make_unique<QGebDb>();
+    const std::string prefix = settings.tablePrefix();
+    std::string failure;
+    if (!geb->Open(settings.gstAppPfad, settings.buildingDatabase()))
+        failure = geb->LastError();
+    if (!prefix.empty() && !geb->OpenObjects(settings.objectDatabase(), prefix) && failure.empty())
+        failure = geb->LastError();
+    if (error)
+        *error = failure;
+    return geb;
 }
 
 bool refreshServerMirror(const Settings& settings, UserInteraction& ui)

@@ -55,6 +55,12 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
                          const ProfileService& profile);
 
+/// Quarn's building component for the project of `settings`, as start-up opens it: the building
+/// database and, for a module with a table prefix, its objects for the per-room query, both read
+/// through their mirrors. The component is returned also when a step failed (start-up keeps it so);
+/// `error` then receives the failing step's LastError.
+std::unique_ptr<QGebDb> openBuildingComponent(const Settings& settings, std::string* error = nullptr);
+
 /// Makes the mirror of an ODBC project's server database anew (start-up, opening an order). A server that
 /// can't be reached is reported (critical icon, title "Problem") and the last copy stays; false then.
 bool refreshServerMirror(const Settings& settings, UserInteraction& ui);

@@ -1,0 +1,182 @@
+#include "OrderFigures.h"
+
+#include "Categories.h"
+#include "Database.h"
+#include "FileSystem.h"
+#include "JetCollation.h"
+#include "QuarnRooms.h"
+#include "ScanTime.h"
+
+#include <map>
+
+namespace qi {
+
+namespace {
+
+constexpr const char* kRooms = "SELECT lID, lIdRB, coalesce(stRaumNr, ''), coalesce(ststatus, '') FROM T_Raum "
+                               "ORDER BY lID";
+constexpr const char* kScans =
+    "SELECT coalesce(s.stInvNr, ''), coalesce(s.stRaum, ''), coalesce(s.stArtNr, ''), coalesce(s.Datum, ''), "
+    "coalesce(s.Uhrzeit, ''), coalesce(f.stName, '') FROM T_DatInventur AS s LEFT JOIN T_Dateien AS f "
+    "ON f.lID = s.lDatID ORDER BY s.lID";
+constexpr const char* kList =
+    "SELECT coalesce(r.stRaumNr, ''), coalesce(d.stSollInvNR, ''), coalesce(d.stIstInvNR, ''), "
+    "coalesce(d.stTyp, ''), coalesce(d.stBeschreibung, ''), coalesce(d.stArtNr, ''), coalesce(d.stZiel, ''), "
+    "coalesce(d.stQuelle, ''), coalesce(d.stQuarn, ''), coalesce(d.Datum, ''), coalesce(d.Uhrzeit, ''), "
+    "d.lRaumID FROM T_Differenzliste AS d LEFT JOIN T_Raum AS r ON r.lID = d.lRaumID ORDER BY d.lID";
+constexpr const char* kFiles = "SELECT COUNT(*) FROM T_Dateien";
+constexpr const char* kFilePaths = "SELECT coalesce(stPfad, '') FROM T_Dateien ORDER BY lID";
+constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N'";
+
+constexpr const char* kInsertRoom =
+    "INSERT INTO P_Raum (stAuftrag, lRaumID, lIdRB, stRaumNr, stBezeichnung, stStatus, iErwartet, iAmPlatz, "
+    "iGescannt, dProzent, stLetzterScan) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)";
+constexpr const char* kInsertScan = "INSERT INTO P_Scan (stAuftrag, stInvNr, stRaum, stArtNr, Datum, Uhrzeit, "
+                                    "stZeit, stDatei) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
+constexpr const char* kInsertDiff =
+    "INSERT INTO P_Diff (stAuftrag, stRaumNr, stSollInvNR, stIstInvNR, stTyp, stBeschreibung, stArtNr, stZiel, "
+    "stQuelle, stQuarn, Datum, Uhrzeit, stZeit) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)";
+constexpr const char* kInsertOrder =
+    "INSERT INTO P_Auftrag (lAuftragID, stAuftrag, stPfad, stDatei, stStand, iRaeume, iRaeumeN, iRaeumeE, "
+    "iRaeumeL, iDateien, iScans, iSoll, iErwartet, iAmPlatz, i1, i2a, i2b, i2c, i3a, i3b, dProzent, "
+    "dRaeumeFertig, stLetzterScan, stFehler) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, "
+    "?14, ?15, ?16, ?17, ?18, ?19, ?20, ?21, ?22, ?23, ?24)";
+
+/// The difference list's categories, in the order of P_Auftrag's columns i1 ... i3b.
+constexpr const char* kCategories[] = {category::k1,  category::k2a, category::k2b,
+                                       category::k2c, category::k3a, category::k3b};
+
+struct JetLess {
+    bool operator()(const std::string& a, const std::string& b) const { return jetCompare(a, b) < 0; }
+};
+
+/// Scans of one room number.
+struct RoomScans {
+    std::int64_t count = 0;
+    std::string last;
+};
+
+/// The figures of P_Auftrag.
+struct Figures {
+    std::int64_t raeume = 0, raeumeN = 0, raeumeE = 0, raeumeL = 0, dateien = 0, scans = 0, soll = 0,
+                 erwartet = 0, amPlatz = 0;
+    std::int64_t category[6] = {};
+    std::string letzterScan;
+};
+
+double percent(std::int64_t part, std::int64_t whole) { return whole > 0 ? 100.0 * double(part) / double(whole) : 0.0; }
+
+std::string text(const Value& v) { return toText(v); }
+
+void insert(Database& result, const char* sql, const std::vector<Value>& values)
+{
+    Statement& st = result.prepare(sql);
+    st.bindAll(values);
+    st.step();
+    st.reset();
+}
+
+void insertOrder(Database& result, const OrderHeader& h, const Figures& f)
+{
+    insert(result, kInsertOrder,
+           {h.lAuftragID, h.stAuftrag, h.stPfad, h.stDatei, h.stStand, f.raeume, f.raeumeN, f.raeumeE, f.raeumeL,
+            f.dateien, f.scans, f.soll, f.erwartet, f.amPlatz, f.category[0], f.category[1], f.category[2],
+            f.category[3], f.category[4], f.category[5], percent(f.amPlatz, f.erwartet),
+            percent(f.raeumeE + f.raeumeL, f.raeume), f.letzterScan, h.stFehler});
+}
+
+/// The index of the category of a type text; -1 for none.
+int categoryOf(const std::string& typ)
+{
+    for (std::size_t i = 0; i < std::size(kCategories); ++i)
+        if (jetEqual(typ, kCategories[i]))
+            return int(i);
+    return -1;
+}
+
+} // namespace
+
+void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, QuarnRooms& quarn)
+{
+    Figures f;
+
+    // Scan lines, with their time, per room number.
+    std::map<std::string, RoomScans, JetLess> perRoom;
+    {
+        const Recordset scans = order.query(kScans);
+        for (const auto& s : scans.rows()) {
+            const std::string zeit = scanTime(text(s[3]), text(s[4]));
+            insert(result, kInsertScan, {h.stAuftrag, s[0], s[1], s[2], s[3], s[4], zeit, s[5]});
+            RoomScans& room = perRoom[text(s[1])];
+            ++room.count;
+            if (room.last < zeit)
+                room.last = zeit;
+            if (f.letzterScan < zeit)
+                f.letzterScan = zeit;
+            ++f.scans;
+        }
+    }
+
+    // The difference list, with the "1 OK" rows per room.
+    std::map<std::int64_t, std::int64_t> okPerRoom;
+    {
+        const Recordset list = order.query(kList);
+        for (const auto& d : list.rows()) {
+            const std::string typ = text(d[3]);
+            insert(result, kInsertDiff,
+                   {h.stAuftrag, d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7], d[8], d[9], d[10],
+                    scanTime(text(d[9]), text(d[10]))});
+            if (!text(d[1]).empty())
+                ++f.soll;
+            const int c = categoryOf(typ);
+            if (c >= 0)
+                ++f.category[c];
+            if (c == 0) {
+                ++f.amPlatz;
+                ++okPerRoom[toLong(d[11])];
+            }
+        }
+    }
+
+    // The rooms.
+    const Recordset rooms = order.query(kRooms);
+    for (const auto& r : rooms.rows()) {
+        const std::int64_t lID = toLong(r[0]);
+        const std::int32_t lIdRB = std::int32_t(toLong(r[1]));
+        const std::string nr = text(r[2]), status = text(r[3]);
+        const std::int64_t erwartet = std::int64_t(quarn.objectsOf(lIdRB).size());
+        const std::int64_t amPlatz = okPerRoom.count(lID) ? okPerRoom[lID] : 0;
+        const auto scanned = perRoom.find(nr);
+        const RoomScans none;
+        const RoomScans& s = scanned == perRoom.end() ? none : scanned->second;
+        insert(result, kInsertRoom,
+               {h.stAuftrag, lID, std::int64_t(lIdRB), nr, quarn.nameOf(lIdRB), status, erwartet, amPlatz, s.count,
+                percent(amPlatz, erwartet), s.last});
+        ++f.raeume;
+        if (jetEqual(status, "N"))
+            ++f.raeumeN;
+        else if (jetEqual(status, "E"))
+            ++f.raeumeE;
+        else if (jetEqual(status, "L"))
+            ++f.raeumeL;
+        f.erwartet += erwartet;
+    }
+    f.dateien = toLong(order.scalar(kFiles));
+    insertOrder(result, h, f);
+}
+
+void writeOrderWithoutFigures(Database& result, const OrderHeader& header) { insertOrder(result, header, Figures{}); }
+
+std::int64_t roomsWithoutScans(Database& order) { return toLong(order.scalar(kRoomsN)); }
+
+std::vector<std::string> missingScannerFiles(Database& order)
+{
+    std::vector<std::string> missing;
+    const Recordset files = order.query(kFilePaths);
+    for (const auto& row : files.rows())
+        if (!fileExists(text(row[0])))
+            missing.push_back(text(row[0]));
+    return missing;
+}
+
+} // namespace qi

@@ -1,0 +1,40 @@
+#pragma once
+// One order's part of the project result: its rooms (P_Raum), scan lines (P_Scan),
+// difference list (P_Diff) and its row of figures (P_Auftrag), read from its database.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qi {
+
+class Database;
+class QuarnRooms;
+
+/// What the register and the overview say of an order, beside what its database holds.
+struct OrderHeader {
+    std::int64_t lAuftragID = 0;
+    std::string stAuftrag;
+    std::string stPfad;
+    std::string stDatei;
+    std::string stStand;
+    std::string stFehler;
+};
+
+/// Writes the order's rows into the result database `result`: its figures from `order` (its
+/// database, or the copy a fresh evaluation made of it; only read) and Quarn's objects of its
+/// rooms. Counts per category as `qinventur-cli auswerten` counts them. DbError when the order
+/// can't be read; std::runtime_error when Quarn can't answer.
+void writeOrderFigures(Database& result, Database& order, const OrderHeader& header, QuarnRooms& quarn);
+
+/// Writes the P_Auftrag row of an order whose database gives no figures (it is missing or can't
+/// be read): every count 0.
+void writeOrderWithoutFigures(Database& result, const OrderHeader& header);
+
+/// The rooms of the order with status "N".
+std::int64_t roomsWithoutScans(Database& order);
+
+/// The paths (as T_Dateien keeps them) of the order's scanner files that are no longer at their place.
+std::vector<std::string> missingScannerFiles(Database& order);
+
+} // namespace qi
