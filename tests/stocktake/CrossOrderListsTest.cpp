@@ -260,7 +260,8 @@ TEST_F(CrossOrderListsTest, RoomsInNoOrderAreUncheckedAndRoomsInSeveralOrdersOve
     // A room the building structure no longer has, in two orders: its name from the orders.
     raum("West", 9, "999", "Abstellraum");
     raum("Nord", 9, "999", "Abstellraum");
-    // In one order only.
+    // In one order only, even where the order holds it twice.
+    raum("West", 6, "302", "Werkstatt");
     raum("West", 6, "302", "Werkstatt");
 
     makeCoverageLists(*db, building);
