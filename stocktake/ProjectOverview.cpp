@@ -33,7 +33,7 @@ constexpr const char* kInsertHint = "INSERT INTO L_Hinweis (stAuftrag, stArt, st
 void hint(Database& result, const std::string& order, const char* kind, const std::string& text,
           const std::string& file)
 {
-    result.execute(kInsertHint, {order, std::string(kind), text, file});
+    result.execute(kInsertHint, {order, std::string(kind), text, file.empty() ? file : displayPath(file)});
 }
 
 std::string describe(const std::exception& e)
@@ -74,7 +74,8 @@ public:
         h.lAuftragID = rec.lID;
         h.stAuftrag = rec.stBezeichung;
         h.stPfad = rec.stPfad;
-        h.stDatei = orderDatabaseFile(settings_, rec.stPfad);
+        const std::string file = orderDatabaseFile(settings_, rec.stPfad);
+        h.stDatei = file.empty() ? file : displayPath(file);
         Database::Transaction tx(result_);
         if (h.stDatei.empty()) {
             unreadable(h, ordermsg::outsideOrderFolder(rec.stPfad));
