@@ -88,4 +88,12 @@ std::string listTable(const std::string& listName)
     return {};
 }
 
+std::vector<std::string> listNames()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : kLists)
+        names.emplace_back(entry.first);
+    return names;
+}
+
 } // namespace qi

@@ -52,6 +52,7 @@
 //                    and where), stDatei.
 
 #include <string>
+#include <vector>
 
 namespace qi {
 
@@ -82,5 +83,7 @@ void createProjectResultSchema(Database& db);
 
 /// The table of a list by its command-line name ("verschoben" → "L_Verschoben"); empty when unknown.
 std::string listTable(const std::string& listName);
+/// The command-line names of the lists, in the order above ("verschoben", ... "hinweise").
+std::vector<std::string> listNames();
 
 } // namespace qi

@@ -69,6 +69,32 @@ std::unique_ptr<Report> Report::open(const std::string& reportFile, const std::s
     return report;
 }
 
+std::unique_ptr<Report> Report::over(const std::string& reportFile, Database& data, const std::string& windowTitle,
+                                     const ReportOptions& options)
+{
+    std::unique_ptr<Report> report(new Report);
+    report->windowTitle_ = windowTitle;
+    report->file_ = locateReportFile(reportFile, {});
+    ReportDefinition def = parseReportDefinition(readReportFile(report->file_), report->file_);
+    ReportContext context{options.orderName, displayFolder(options.projectFolder),
+                          options.printDate.empty() ? nowText() : options.printDate, fileNamePart(report->file_)};
+    // A report only reads: the caller's database refuses changes while its rows are read.
+    const bool wasQueryOnly = toInt32(data.scalar("PRAGMA query_only")) != 0;
+    data.executeScript("PRAGMA query_only = ON");
+    std::optional<ReportTable> table;
+    try {
+        table.emplace(readReportRows(def, data));
+    } catch (...) {
+        if (!wasQueryOnly)
+            data.executeScript("PRAGMA query_only = OFF");
+        throw;
+    }
+    if (!wasQueryOnly)
+        data.executeScript("PRAGMA query_only = OFF");
+    report->model_ = std::make_unique<ReportModel>(std::move(def), std::move(*table), std::move(context));
+    return report;
+}
+
 const ReportLayout& Report::layout() const
 {
     if (!layout_) {

@@ -15,6 +15,8 @@
 
 namespace qi {
 
+class Database;
+
 enum class ReportFormat {
     Pdf,  ///< the printed pages
     Xlsx, ///< one sheet: headings bold, numbers as numbers, group headers and footers as rows
@@ -39,6 +41,14 @@ public:
     /// the line) or a data source that can't be read.
     static std::unique_ptr<Report> open(const std::string& reportFile, const std::string& dataFile,
                                         const std::string& windowTitle, const ReportOptions& options = {});
+
+    /// A report over a database of the caller's own instead of the report database (the
+    /// project result of the whole stocktake): `reportFile` as it is found (letter case
+    /// ignored), its rows read from `data`, which the report's statement can't change. The
+    /// page header tells what `options` say (the print date filled in when empty). ReportError
+    /// for a missing or unreadable file, a definition error or a data source that can't be read.
+    static std::unique_ptr<Report> over(const std::string& reportFile, Database& data, const std::string& windowTitle,
+                                        const ReportOptions& options);
 
     /// The title of the report's window; the files written carry it as their document title.
     const std::string& windowTitle() const { return windowTitle_; }

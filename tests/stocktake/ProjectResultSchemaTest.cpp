@@ -17,6 +17,17 @@ TEST(ProjectResultSchema, ListsAreFoundByTheirCommandLineNames)
     EXPECT_EQ(listTable("alles"), "");
 }
 
+TEST(ProjectResultSchema, ListNamesAreTheCommandLineNamesInTheirOrderEachWithItsTable)
+{
+    const std::vector<std::string> expected = {"verschoben", "doppelt",    "zuviel",          "unbekannt",
+                                               "fehlend",    "ungeprueft", "ueberschneidung", "hinweise"};
+    EXPECT_EQ(listNames(), expected);
+    auto db = Database::inMemory();
+    createProjectResultSchema(*db);
+    for (const std::string& name : listNames())
+        EXPECT_TRUE(db->tableExists(listTable(name))) << name;
+}
+
 TEST(ProjectResultSchema, NumbersCompareAsTheOrderDatabasesCompareThem)
 {
     auto db = Database::inMemory();
