@@ -8,6 +8,8 @@
 #include "ProfileFile.h"
 #include "ProjectAccess.h"
 #include "ProjectChoice.h"
+#include "ProjectReports.h"
+#include "ProjectResultSchema.h"
 #include "ReportDatabase.h"
 #include "SystemError.h"
 #include "TextFile.h"
@@ -166,12 +168,22 @@ int Session::run()
         }
     }
 
+    if (inv_.command == "projekt" && inv_.options.count("--liste") && listTable(inv_.option("--liste")).empty()) {
+        say("Eine Liste '" + inv_.option("--liste") + "' gibt es nicht. Listen: " + projectListNames() + ".");
+        return kBadArguments;
+    }
     if (inv_.command == "bericht" || inv_.command == "export") {
         if (inv_.option("--ausgabe").empty()) {
             say("Es fehlt --ausgabe " + std::string(inv_.command == "export" ? "ORDNER" : "PFAD") + ".");
             return kBadArguments;
         }
-        if (inv_.command == "bericht" && !knownReport(inv_.args.at(1))) {
+        const std::string projectReport = inv_.option("--projekt-weit");
+        if (inv_.command == "bericht" && inv_.options.count("--projekt-weit") && !findProjectReport(projectReport)) {
+            say("Einen Projektbericht '" + projectReport + "' gibt es nicht. Projektberichte: " +
+                projectReportNames() + ".");
+            return kBadArguments;
+        }
+        if (inv_.command == "bericht" && !inv_.options.count("--projekt-weit") && !knownReport(inv_.args.at(1))) {
             say("Einen Bericht '" + inv_.args.at(1) + "' gibt es nicht. Berichte: " + reportNames() + ".");
             return kBadArguments;
         }
@@ -251,8 +263,10 @@ int Session::dispatch()
         return neuEinlesen();
     if (c == "auswerten")
         return auswerten();
+    if (c == "projekt")
+        return projekt();
     if (c == "bericht")
-        return bericht();
+        return inv_.options.count("--projekt-weit") ? projektBericht() : bericht();
     if (c == "export")
         return exportAll();
     if (c == "archiv")

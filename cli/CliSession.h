@@ -27,6 +27,8 @@ std::string absolutePath(const std::string& path);
 std::string reportNames();
 /// Whether a report or error list has that name.
 bool knownReport(const std::string& name);
+/// The names of the lists across orders, as `projekt --liste` knows them ("verschoben, doppelt, ...").
+std::string projectListNames();
 /// The format a report command writes: --format, else (for bericht) the extension of --ausgabe,
 /// else (for export) "pdf"; empty when it is no format of the command line.
 std::string reportFormatOf(const Invocation& inv);
@@ -59,6 +61,12 @@ private:
     /// Writes the reports (name, output file) of the order the first argument names in the format.
     int writeReports(const std::vector<std::pair<std::string, std::string>>& reports, const std::string& format);
     int archiv();
+    /// The whole stocktake (CliProject.cpp): the overview or a list across orders, and a report
+    /// of the project.
+    int projekt();
+    int projektBericht();
+    /// The project result, computed for this call with a progress line.
+    std::unique_ptr<Database> projectResult();
     /// The kept order databases (CliKeptOrders.cpp).
     int gesichert();
     int wiederherstellen();

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qi::cli {
 
@@ -17,6 +18,39 @@ std::vector<CommandInfo> makeCommands()
                  "Ersteller, durch Tabulatoren getrennt. Die erste Zeile nennt die Spalten.\n",
                  0, 0, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable},
                  {"qinventur-cli auftraege", "qinventur-cli --projekt /srv/quarn/Nord auftraege"}});
+    c.push_back({"projekt", "projekt [--liste LISTE]", "Übersicht über alle Aufträge des Projekts",
+                 "Zeigt, wie weit die Inventur des ganzen Projekts ist, ohne einen Auftrag zu ändern:\n"
+                 "Aufträge, deren Daten sich seit ihrer Differenzliste geändert haben, werden in einer\n"
+                 "privaten Kopie neu ausgewertet. Der Befehl arbeitet auch, während ein anderes\n"
+                 "Programm das Projekt bearbeitet.\n"
+                 "\n"
+                 "Ohne --liste: eine Zeile je Auftrag des Auftragsverzeichnisses, durch Tabulatoren\n"
+                 "getrennt, mit einer Kopfzeile: Auftrag, Stand der Auswertung, Räume mit Status N, E\n"
+                 "und L, Anteil der fertigen Räume (E oder L) in Prozent, Scannerdateien, Scans,\n"
+                 "erwartete Objekte (laut Quarn in allen Räumen des Auftrags), davon am Platz gefunden,\n"
+                 "Anteil gefunden in Prozent, die Objekte je Kategorie der Differenzliste (1, 2a, 2b,\n"
+                 "2c, 3a, 3b) und der letzte Scan. Die letzte Zeile \"Projekt\" zählt alle Aufträge\n"
+                 "zusammen.\n"
+                 "\n"
+                 "Mit --liste: eine Liste über die Aufträge hinweg, eine Zeile je Eintrag, durch\n"
+                 "Tabulatoren getrennt, mit einer Kopfzeile. LISTE ist eine von:\n"
+                 "  verschoben       Objekte, die in ihrem Auftrag fehlen (3b) und im Raum eines\n"
+                 "                   anderen Auftrags gescannt wurden\n"
+                 "  doppelt          jeder Scan einer Nummer, die in mehreren Aufträgen gescannt wurde\n"
+                 "  zuviel           zuviel im Auftrag (2b), und kein anderer Auftrag erwartet es\n"
+                 "  unbekannt        Nummern, die Quarn nicht kennt (2c), jede einmal\n"
+                 "  fehlend          Objekte, die fehlen (3b) und in keinem Auftrag gescannt wurden\n"
+                 "  ungeprueft       Räume der Gebäudestruktur, die keinem Auftrag gehören\n"
+                 "  ueberschneidung  Räume, die mehreren Aufträgen gehören\n"
+                 "  hinweise         was Aufmerksamkeit braucht (nie ausgewertet, veraltet, Räume\n"
+                 "                   ohne Scandaten, fehlende Dateien, gesicherte Kopien, Dateien\n"
+                 "                   ohne Auftrag)\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --liste LISTE  statt der Übersicht diese Liste\n",
+                 0, 0, {"--liste"}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable},
+                 {"qinventur-cli projekt", "qinventur-cli projekt --liste verschoben",
+                  "qinventur-cli --projekt /srv/quarn/Nord projekt --liste fehlend"}});
     c.push_back({"anlegen", "anlegen NAME [--mitarbeiter WER]", "Auftrag anlegen",
                  "Legt den Auftrag NAME an, wie \"Auftrag Neu\" im Hauptfenster: seine Datenbank\n"
                  "\"Inventur\\NAME.mdb\" im Projektordner, kopiert aus \"QAuftrag.mdb\", und seine Zeile\n"
@@ -121,7 +155,8 @@ std::vector<CommandInfo> makeCommands()
                  "Kategorie und Anzahl, durch einen Tabulator getrennt, mit einer Kopfzeile.\n",
                  1, 1, {}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kReadOnly},
                  {"qinventur-cli auswerten \"Lager Süd\""}});
-    c.push_back({"bericht", "bericht NAME BERICHT --ausgabe PFAD [--format pdf|xlsx|csv]",
+    c.push_back({"bericht",
+                 "bericht (NAME BERICHT | --projekt-weit PROJEKTBERICHT) --ausgabe PFAD [--format pdf|xlsx|csv]",
                  "Bericht oder Fehlerliste schreiben",
                  "Schreibt einen Bericht oder eine Fehlerliste des Auftrags in eine Datei, mit derselben\n"
                  "Vorbereitung wie die Menüs des Auftragsfensters (Differenzberichte und Fehlerlisten\n"
@@ -139,15 +174,27 @@ std::vector<CommandInfo> makeCommands()
                  "ihre Zeilen; der nächste Differenzbericht, die nächste Fehlerliste oder \"auswerten\"\n"
                  "erstellen sie wieder vollständig.\n"
                  "\n"
+                 "Mit --projekt-weit statt NAME und BERICHT: ein Bericht über alle Aufträge des\n"
+                 "Projekts, aus denselben Zahlen wie \"projekt\" (siehe \"projekt --help\"). Kein Auftrag\n"
+                 "wird dabei geändert; der Befehl arbeitet auch, während ein anderes Programm das\n"
+                 "Projekt bearbeitet. PROJEKTBERICHT ist einer von:\n"
+                 "  gesamtauswertung    die Zahlen jedes Auftrags und des Projekts, dann die Listen\n"
+                 "                      über die Aufträge hinweg (Berichtsdatei invgesamt.rpt)\n"
+                 "  fortschritt         je Auftrag und Raum: erwartet, am Platz gefunden, gescannt,\n"
+                 "                      Anteil gefunden, letzter Scan (Berichtsdatei invfortschritt.rpt)\n"
+                 "\n"
                  "Optionen:\n"
                  "  --ausgabe PFAD         die Datei, die geschrieben wird (eine vorhandene wird ersetzt)\n"
                  "  --format pdf|xlsx|csv  die Art der Datei: pdf die gedruckten Seiten, xlsx eine\n"
                  "                         Tabelle, csv Zeilen mit Semikolons in UTF-8; ohne --format\n"
-                 "                         nach der Endung von PFAD\n",
-                 2, 2, {"--ausgabe", "--format"}, {},
+                 "                         nach der Endung von PFAD\n"
+                 "  --projekt-weit PROJEKTBERICHT  ein Bericht über alle Aufträge, statt NAME und BERICHT\n",
+                 2, 2, {"--ausgabe", "--format", "--projekt-weit"}, {},
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
                  {"qinventur-cli bericht \"Lager Süd\" differenz --format pdf --ausgabe differenz.pdf",
-                  "qinventur-cli bericht \"Lager Süd\" fehlend --ausgabe fehlend.csv"}});
+                  "qinventur-cli bericht \"Lager Süd\" fehlend --ausgabe fehlend.csv",
+                  "qinventur-cli bericht --projekt-weit gesamtauswertung --ausgabe gesamtauswertung.pdf",
+                  "qinventur-cli bericht --projekt-weit fortschritt --ausgabe fortschritt.xlsx"}});
     c.push_back({"export", "export NAME --ausgabe ORDNER [--format pdf|xlsx|csv]",
                  "alle Berichte und Fehlerlisten schreiben",
                  "Schreibt alle Berichte und Fehlerlisten des Auftrags (siehe \"bericht --help\") in den\n"
@@ -203,6 +250,9 @@ std::vector<CommandInfo> withNoProjectCode(std::vector<CommandInfo> all)
             c.exitCodes.push_back(kNoProject);
     return all;
 }
+
+/// Options that stand instead of a command's arguments: given, the command takes none.
+constexpr std::pair<std::string_view, std::string_view> kInsteadOfArguments[] = {{"bericht", "--projekt-weit"}};
 
 bool contains(const std::vector<std::string_view>& list, std::string_view s)
 {
@@ -339,6 +389,13 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments)
     if (!known)
         throw UsageError("Es fehlt ein Befehl.");
     const int n = int(inv.args.size());
+    for (const auto& [command, option] : kInsteadOfArguments)
+        if (known->name == command && inv.options.count(std::string(option))) {
+            if (n > 0)
+                throw UsageError("Mit " + std::string(option) + " nimmt der Befehl " + inv.command +
+                                 " keine Argumente.");
+            return inv;
+        }
     if (n < known->minArgs)
         throw UsageError("Es fehlt ein Argument.");
     if (known->maxArgs >= 0 && n > known->maxArgs)
@@ -388,6 +445,8 @@ std::string overallHelp()
                          "qinventur-cli raeume \"Lager Süd\" --setzen 1.01 1.02 1.03:L",
                          "qinventur-cli hinzufuegen \"Lager Süd\" /daten/scan1.dat --konflikt behalten",
                          "qinventur-cli bericht \"Lager Süd\" differenz --ausgabe differenz.pdf",
+                         "qinventur-cli projekt",
+                         "qinventur-cli bericht --projekt-weit gesamtauswertung --ausgabe gesamtauswertung.pdf",
                          "qinventur-cli export \"Lager Süd\" --ausgabe berichte",
                          "qinventur-cli raeume --help"});
     return out;
