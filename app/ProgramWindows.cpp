@@ -1,5 +1,6 @@
 #include "ProgramWindows.h"
 
+#include "MainWindowOverview.h"
 #include "ReportDatabase.h"
 #include "frmMain.h"
 #include "frmRaumWindow.h"
@@ -31,6 +32,8 @@ void connectWindows(frmMain& main)
     main.setOrderWindowFactory(workWindowFactory());
     // The reports of this program read a copy of the report database of its own (see ReportDatabase.h).
     main.settings().privateReportDatabase = std::make_shared<PrivateReportDatabase>();
+    // The menu "&Projekt" with the project overview, and the orders' progress in the order list.
+    connectProjectOverview(main);
 }
 
 } // namespace qi

@@ -14,8 +14,8 @@ class frmMain;
 RoomWindowFactory roomWindowFactory();
 /// Makes the work window of an opened order, with the room selection plugged in.
 OrderWindowFactory workWindowFactory();
-/// Plugs the work window into the main window and gives the program its private copy of the
-/// report database, which its reports read.
+/// Plugs the work window into the main window, gives the program its private copy of the
+/// report database, which its reports read, and adds the project overview (MainWindowOverview.h).
 void connectWindows(frmMain& main);
 
 } // namespace qi

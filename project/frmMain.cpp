@@ -187,6 +187,7 @@ void frmMain::InitAuftraege()
     }
     if (collAuftraege_.Count() == 0) {
         setCurrent(nullptr);
+        emit ordersListed();
         return;
     }
     collAuftraege_.ResetIndex();
@@ -202,6 +203,7 @@ void frmMain::InitAuftraege()
         item->setText(3, QString::fromStdString(rec.stErsteller));
     }
     sortAgain(*lvAuftraege);
+    emit ordersListed();
 }
 
 CAuftragRec* frmMain::recordOfItem(const QTreeWidgetItem* item)
@@ -261,6 +263,7 @@ void frmMain::lvAuftraege_DblClick()
         connect(workWindow_.data(), &OrderWindow::unloaded, this, [this] {
             setActiveState(true);
             update();
+            emit orderWindowUnloaded();
         });
         workWindow_->Init();
         workWindow_->setGebDb(gebDb_.get());

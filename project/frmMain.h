@@ -73,6 +73,8 @@ public:
     void setActiveState(bool active);
 
     Settings& settings() { return settings_; }
+    /// Every exchange with the user goes through it.
+    UserInteraction& userInteraction() { return ui_; }
     CInventurDb* inventurDb() { return inventurDb_.get(); }
     CAuftragRecColl& auftraege() { return collAuftraege_; }
     /// The current-order record, or null when there is none.
@@ -96,6 +98,12 @@ public:
     QMenu* mnuHelp;
     std::map<int, QAction*> mnuDateiFkt;
     std::map<int, QAction*> mnuHelpFkt;
+
+signals:
+    /// The order list was filled anew from the register (also when it stayed empty).
+    void ordersListed();
+    /// The work window of an opened order was unloaded; this window is in use again.
+    void orderWindowUnloaded();
 
 protected:
     /// Shows a dialog modally; tests replace it to play the user.

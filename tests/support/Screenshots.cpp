@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QSet>
+#include <QTabBar>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 #include <QWindow>
@@ -83,6 +84,10 @@ QStringList visibleTexts(QWidget& window)
                         if (!(*it)->text(c).isEmpty())
                             out << (*it)->text(c);
         }
+        if (const auto* tabs = qobject_cast<QTabBar*>(w))
+            for (int i = 0; i < tabs->count(); ++i)
+                if (tabs->tabRect(i).intersects(tabs->rect()))
+                    out << tabs->tabText(i);
         if (auto* list = qobject_cast<QListWidget*>(w)) {
             const QRect view = list->viewport()->rect();
             for (int i = 0; i < list->count(); ++i)

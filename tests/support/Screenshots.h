@@ -10,8 +10,8 @@ class QWidget;
 namespace qi::test {
 
 /// The texts shown inside `window` as it is laid out now: labels, buttons, check and option
-/// boxes, frame titles, the menu bar's menus and their entries, list headings and the texts of
-/// the list, box and tree items within view. Texts keep their mnemonic marks ("&Hinzufügen").
+/// boxes, frame titles, the captions of tabs, the menu bar's menus and their entries, list
+/// headings and the texts of the list, box and tree items within view. Texts keep their mnemonic marks ("&Hinzufügen").
 /// Only widgets visible inside the window's area count.
 QStringList visibleTexts(QWidget& window);
 
