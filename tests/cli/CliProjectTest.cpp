@@ -333,6 +333,24 @@ TEST_F(CliProjectTest, EverythingWorksWhileAnotherProgramHoldsTheProjectAndNothi
     EXPECT_EQ(treeDigest(demoDir), before);
 }
 
+TEST_F(CliProjectTest, TheProjectsOwnReportFileIsUsedAndAnErrorInItIsToldWithItsLine)
+{
+    fs::create_directories(demoDir + "/Report");
+    writeFile(demoDir + "/Report/invgesamt.rpt", "[Bericht]\nTitel = Eigene Auswertung\nFarbe = rot\n");
+    const std::string pdf = root.file("eigen.pdf");
+    const CliRun r = expectCli(1, {"bericht", "--projekt-weit", "gesamtauswertung", "--ausgabe", pdf});
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err.rfind("[QInventur] qinventur-cli.bericht\nFehler in der Berichtsdatei '", 0), 0u) << r.err;
+    EXPECT_NE(r.err.find("invgesamt.rpt', Zeile 3:"), std::string::npos) << r.err;
+    EXPECT_FALSE(fs::exists(pdf));
+
+    writeFile(demoDir + "/Report/invgesamt.rpt",
+              "[Bericht]\nTitel = Eigene Auswertung\nQuelle = P_Auftrag\n[Spalte]\nFeld = stAuftrag\n");
+    const std::string csv = root.file("eigen.csv");
+    expectCli(0, {"bericht", "--projekt-weit", "gesamtauswertung", "--ausgabe", csv});
+    EXPECT_EQ(readFile(csv), "\xEF\xBB\xBFstAuftrag\r\nEG\r\nOG\r\n");
+}
+
 TEST_F(CliProjectTest, OnATerminalALongRunShowsTheOverviewsProgressLine)
 {
     int code = -1;
@@ -357,6 +375,15 @@ TEST_F(CliProjectTest, HelpNamesEveryListAndBothProjectReports)
     const std::string overall = expectCli(0, {"--help"}).out;
     EXPECT_NE(overall.find("  projekt        Übersicht über alle Aufträge des Projekts\n"), std::string::npos)
         << overall;
+}
+
+class CliEmptyProjectTest : public CliFixture {};
+
+TEST_F(CliEmptyProjectTest, AProjectWithoutOrdersHasTheHeadingAndAProjectLineOfNothing)
+{
+    const CliRun r = expectCli(0, {"projekt"});
+    EXPECT_EQ(r.out, std::string(kOverviewHeading) + "\nProjekt\t\t0\t0\t0\t0,0\t0\t0\t0\t0\t0,0\t0\t0\t0\t0\t0\t0\t\n");
+    EXPECT_EQ(expectCli(0, {"projekt", "--liste", "verschoben"}).out, kListHeadings.at("verschoben") + "\n");
 }
 
 } // namespace
