@@ -193,10 +193,16 @@ int jetCompare(std::string_view a, std::string_view b)
 {
     a = trimTrailingBlanks(a);
     b = trimTrailingBlanks(b);
+    // The same bytes are the same text (an index of few distinct texts compares them most often).
+    if (a == b)
+        return 0;
     const German& g = german();
     if (!g.collator)
         return codePointCompare(a, b);
-    // Texts of printable ASCII only: their ranks decide, character by character.
+    // Printable ASCII: the ranks decide, character by character. The first two characters of
+    // different rank, after characters of the same rank, are a difference of their base letters,
+    // which no character after them can undo (an accent weighs only where the base letters are
+    // the same); other characters before it leave the decision to the collator.
     const std::size_t n = std::min(a.size(), b.size());
     int result = 0;
     std::size_t i = 0;
@@ -204,14 +210,14 @@ int jetCompare(std::string_view a, std::string_view b)
         const auto ca = static_cast<unsigned char>(a[i]);
         const auto cb = static_cast<unsigned char>(b[i]);
         if (!printableAscii(ca) || !printableAscii(cb))
-            return detail::jetCompareUnicode(a, b);
+            return result != 0 ? result : detail::jetCompareUnicode(a, b);
         if (result == 0 && g.rank[ca] != g.rank[cb])
             result = g.rank[ca] < g.rank[cb] ? -1 : 1;
     }
     const std::string_view rest = a.size() > n ? a.substr(n) : b.substr(n);
     for (const char c : rest)
         if (!printableAscii(static_cast<unsigned char>(c)))
-            return detail::jetCompareUnicode(a, b);
+            return result != 0 ? result : detail::jetCompareUnicode(a, b);
     if (result != 0)
         return result;
     if (a.size() != b.size())

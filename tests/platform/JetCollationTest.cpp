@@ -215,6 +215,29 @@ TEST(JetCollation, PlainAsciiShortcutAgreesWithTheFullComparison)
     }
 }
 
+TEST(JetCollation, AnAsciiDifferenceBeforeOtherCharactersAgreesWithTheFullComparison)
+{
+    // Texts that begin alike in plain ASCII, differ there or not, and go on with accents,
+    // umlauts, "ß", combining marks, control characters and bytes that are no UTF-8.
+    const std::vector<std::string> others = {"ä", "Ä", "ß", "é", "\xCC\x88", "\x01", "\xFF", "ø", "Œ", "ﬁ", "\t"};
+    std::mt19937 rng(17);
+    std::uniform_int_distribution<int> ch(0x20, 0x7E), len(0, 4), other(0, int(others.size()) - 1), coin(0, 2);
+    for (int n = 0; n < 20000; ++n) {
+        std::string prefix;
+        for (int k = len(rng); k > 0; --k)
+            prefix += char(ch(rng));
+        std::string a = prefix, b = prefix;
+        for (std::string* t : {&a, &b}) {
+            for (int k = len(rng); k > 0; --k)
+                *t += coin(rng) == 0 ? others[std::size_t(other(rng))] : std::string(1, char(ch(rng)));
+        }
+        ASSERT_EQ(sign(jetCompare(a, b)), sign(detail::jetCompareUnicode(a, b))) << a << " / " << b;
+        ASSERT_EQ(sign(jetCompare(b, a)), -sign(jetCompare(a, b))) << a << " / " << b;
+    }
+    EXPECT_LT(jetCompare("1 OK", "2b Zuviel im Auftrag (gehört in einen Raum außerhalb des Auftrags)"), 0);
+    EXPECT_GT(jetCompare("3b Fehlt im Auftrag (bisher). Könnte", "3a Fehlt im Raum"), 0);
+}
+
 TEST_F(CollationInDb, OrderByFollowsGermanReading)
 {
     for (const char* s : {"Zange", "Öfen", "apfel", "Äpfel", "ofen", "Straße", "Strasse"})
