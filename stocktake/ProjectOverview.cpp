@@ -204,6 +204,10 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
     readRegister(settings, orders);
     auto result = Database::inMemory();
     createProjectResultSchema(*result);
+    // The orders' rows go in first and their indexes are made afterwards, at once.
+    const Recordset indexes = result->query("SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql <> ''");
+    for (const auto& index : indexes.rows())
+        result->execute("DROP INDEX " + toText(index[0]));
     QuarnRooms quarn(gebDb);
 
     // One step per order, then the lists across orders and the coverage of the building structure.
@@ -223,6 +227,8 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
     next("Listen über alle Aufträge");
     {
         Database::Transaction tx(*result);
+        for (const auto& index : indexes.rows())
+            result->execute(toText(index[1]));
         folderHints(*result, settings, orders);
         makeCrossOrderLists(*result);
         tx.commit();
