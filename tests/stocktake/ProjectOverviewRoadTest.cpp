@@ -223,7 +223,8 @@ struct Order {
     std::vector<OrderRoom> rooms;
     std::int64_t files = 0;
     std::vector<Scan> scans;
-    std::vector<DiffRow> diffs;
+    std::vector<DiffRow> diffs;       ///< as a fresh evaluation makes it
+    std::vector<DiffRow> storedDiffs; ///< as the order holds it
 };
 
 struct QuarnObject {
@@ -450,6 +451,36 @@ protected:
         return printed;
     }
 
+    /// The difference list of an order database file.
+    std::vector<DiffRow> differenceList(const std::string& order, const std::string& file) const
+    {
+        auto db = read(file);
+        std::map<std::int64_t, std::string> roomNr;
+        for (const auto& rr : rowsOf(*db, "SELECT lID, stRaumNr FROM T_Raum"))
+            roomNr[toLong(rr[0])] = toText(rr[1]);
+        std::vector<DiffRow> rows;
+        for (const auto& d : rowsOf(*db, "SELECT lRaumID, stSollInvNR, stIstInvNR, stTyp, stBeschreibung, stArtNr, "
+                                         "stZiel, stQuelle, stQuarn, Datum, Uhrzeit FROM T_Differenzliste")) {
+            DiffRow row;
+            row.order = order;
+            row.roomId = toLong(d[0]);
+            row.room = roomNr[row.roomId];
+            row.soll = toText(d[1]);
+            row.ist = toText(d[2]);
+            row.typ = toText(d[3]);
+            row.beschreibung = toText(d[4]);
+            row.artNr = toText(d[5]);
+            row.ziel = toText(d[6]);
+            row.quelle = toText(d[7]);
+            row.quarn = toText(d[8]);
+            row.datum = toText(d[9]);
+            row.uhrzeit = toText(d[10]);
+            row.zeit = stamp(row.datum, row.uhrzeit);
+            rows.push_back(std::move(row));
+        }
+        return rows;
+    }
+
     void readModel()
     {
         auto reg = read(demoDir + "/QInventur.mdb");
@@ -474,31 +505,9 @@ protected:
             for (const auto& s : rowsOf(*db, "SELECT stInvNr, stRaum, stArtNr, Datum, Uhrzeit, lDatID FROM T_DatInventur"))
                 o.scans.push_back({o.name, toText(s[0]), toText(s[1]), toText(s[2]), toText(s[3]), toText(s[4]),
                                    stamp(toText(s[3]), toText(s[4])), fileNames[toLong(s[5])]});
-            // The difference list as a fresh evaluation makes it (the copy's).
-            auto evaluated = read(copyDir + "/" + rel);
-            std::map<std::int64_t, std::string> roomNr;
-            for (const auto& rr : rowsOf(*evaluated, "SELECT lID, stRaumNr FROM T_Raum"))
-                roomNr[toLong(rr[0])] = toText(rr[1]);
-            for (const auto& d : rowsOf(*evaluated, "SELECT lRaumID, stSollInvNR, stIstInvNR, stTyp, stBeschreibung, "
-                                                   "stArtNr, stZiel, stQuelle, stQuarn, Datum, Uhrzeit "
-                                                   "FROM T_Differenzliste")) {
-                DiffRow row;
-                row.order = o.name;
-                row.roomId = toLong(d[0]);
-                row.room = roomNr[row.roomId];
-                row.soll = toText(d[1]);
-                row.ist = toText(d[2]);
-                row.typ = toText(d[3]);
-                row.beschreibung = toText(d[4]);
-                row.artNr = toText(d[5]);
-                row.ziel = toText(d[6]);
-                row.quelle = toText(d[7]);
-                row.quarn = toText(d[8]);
-                row.datum = toText(d[9]);
-                row.uhrzeit = toText(d[10]);
-                row.zeit = stamp(row.datum, row.uhrzeit);
-                o.diffs.push_back(std::move(row));
-            }
+            // The difference list as a fresh evaluation makes it (the copy's), and as the order holds it.
+            o.diffs = differenceList(o.name, copyDir + "/" + rel);
+            o.storedDiffs = differenceList(o.name, o.file);
             orders.push_back(std::move(o));
         }
 
@@ -680,15 +689,19 @@ TEST_P(ProjectOverviewRoadTest, everyListAndCountAsComputedFromTheOrdersAndQuarn
                 scanRows);
 
     // ---------------------------------------------------------------- P_Diff
-    Rows diffRows;
-    for (const Order& o : orders)
-        for (const DiffRow& d : o.diffs)
-            diffRows.push_back({d.order, d.room, d.soll, d.ist, d.typ, d.beschreibung, d.artNr, d.ziel, d.quelle,
+    const std::vector<Column> diffColumns = {{"stAuftrag"}, {"stRaumNr"}, {"stSollInvNR"}, {"stIstInvNR"},
+                                             {"stTyp"},     {"stBeschreibung"}, {"stArtNr"},   {"stZiel"},
+                                             {"stQuelle"},  {"stQuarn"},  {"Datum"},       {"Uhrzeit"},
+                                             {"stZeit"}};
+    const auto diffRowsOf = [&](std::vector<DiffRow> Order::*list) {
+        Rows rows;
+        for (const Order& o : orders)
+            for (const DiffRow& d : o.*list)
+                rows.push_back({d.order, d.room, d.soll, d.ist, d.typ, d.beschreibung, d.artNr, d.ziel, d.quelle,
                                 d.quarn, d.datum, d.uhrzeit, d.zeit});
-    expectTable(*result, "P_Diff",
-                {{"stAuftrag"}, {"stRaumNr"}, {"stSollInvNR"}, {"stIstInvNR"}, {"stTyp"}, {"stBeschreibung"},
-                 {"stArtNr"}, {"stZiel"}, {"stQuelle"}, {"stQuarn"}, {"Datum"}, {"Uhrzeit"}, {"stZeit"}},
-                diffRows);
+        return rows;
+    };
+    expectTable(*result, "P_Diff", diffColumns, diffRowsOf(&Order::diffs));
 
     // ---------------------------------------------------------------- the lists across orders
     std::vector<const Scan*> allScans;
@@ -875,6 +888,32 @@ TEST_P(ProjectOverviewRoadTest, everyListAndCountAsComputedFromTheOrdersAndQuarn
             missing += "  [" + hints[i].order + " | " + hints[i].art + " | " + hints[i].file + "]\n";
     EXPECT_EQ(missing, "") << "L_Hinweis rows expected, not there";
     EXPECT_EQ(unexpected, "") << "L_Hinweis rows there, not expected";
+
+    // Without fresh evaluations: each order's difference list and counts as the order holds them
+    // (the stale and the never evaluated ones too), and still nothing of the project changes.
+    OverviewOptions quick;
+    quick.freshEvaluation = false;
+    const FileDigests projectBefore = digestFiles(demoDir);
+    std::unique_ptr<Database> stored;
+    try {
+        stored = computeProjectResult(projectSettings(), quick);
+    } catch (const std::exception& e) {
+        FAIL() << "computeProjectResult without fresh evaluation: " << e.what();
+    }
+    EXPECT_EQ(changedFiles(projectBefore, digestFiles(demoDir)), "");
+    expectTable(*stored, "P_Diff", diffColumns, diffRowsOf(&Order::storedDiffs));
+    Rows storedCounts;
+    for (const Order& o : orders) {
+        std::map<std::string, std::int64_t> cat;
+        for (const DiffRow& d : o.storedDiffs)
+            if (!d.typ.empty())
+                ++cat[d.typ.substr(0, 2)];
+        storedCounts.push_back({o.name, std::to_string(cat["1 "]), std::to_string(cat["2a"]),
+                                std::to_string(cat["2b"]), std::to_string(cat["2c"]), std::to_string(cat["3a"]),
+                                std::to_string(cat["3b"])});
+    }
+    expectTable(*stored, "P_Auftrag", {{"stAuftrag"}, {"i1"}, {"i2a"}, {"i2b"}, {"i2c"}, {"i3a"}, {"i3b"}},
+                storedCounts);
 }
 
 INSTANTIATE_TEST_SUITE_P(Modules, ProjectOverviewRoadTest, ::testing::Values(0, 1),
