@@ -22,11 +22,15 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace qi {
 
 namespace {
 
 constexpr const char* kWindowKey = "ProjectOverviewWindow";
+/// The widest a column becomes when it is fitted to what it shows.
+constexpr int kWidestColumn = 220;
 
 QStringList qtTexts(const std::vector<std::string>& texts)
 {
@@ -44,6 +48,9 @@ void fill(QTreeWidget& list, const ShownTable& table)
     items.reserve(qsizetype(table.rows.size()));
     for (std::size_t r = 0; r < table.rows.size(); ++r) {
         auto* item = new ListViewItem(qtTexts(table.rows[r]));
+        for (int c = 0; c < item->columnCount(); ++c)
+            if (item->text(c).size() > 30)
+                item->setToolTip(c, item->text(c));
         item->setData(0, Qt::UserRole, QString::fromStdString(table.keys[r]));
         items << item;
     }
@@ -51,8 +58,11 @@ void fill(QTreeWidget& list, const ShownTable& table)
     sortAgain(list);
     // The columns fit what the list first shows; later the widths stay as the user left them.
     if (!items.isEmpty() && !list.property("qiSized").toBool()) {
-        for (int c = 0; c + 1 < list.columnCount(); ++c)
+        for (int c = 0; c + 1 < list.columnCount(); ++c) {
             list.resizeColumnToContents(c);
+            // A long text (a category, a hint) is read in full in the last column or in its tooltip.
+            list.setColumnWidth(c, std::min(list.columnWidth(c), kWidestColumn));
+        }
         list.setProperty("qiSized", true);
     }
 }

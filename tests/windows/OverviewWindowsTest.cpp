@@ -22,6 +22,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTest>
 #include <QTreeWidget>
 
 #include <future>
@@ -283,10 +284,39 @@ TEST_F(OverviewWindowTest, RefreshComputesAsTheOrdersHoldItThenFresh)
     EXPECT_FALSE(window->pgBerechnung->isVisibleTo(window.get()));
     EXPECT_TRUE(ui.messages.empty());
 
-    // F5 computes again.
-    window->mnuAktualisieren->trigger();
+    // F5 computes again, as the menu entry does.
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_F5);
+    EXPECT_TRUE(window->run().running());
     settle(window->run());
     EXPECT_EQ(asked.size(), 4u);
+    window->mnuAktualisieren->trigger();
+    settle(window->run());
+    EXPECT_EQ(asked.size(), 6u);
+}
+
+TEST_F(OverviewWindowTest, MenusAndButtons)
+{
+    const auto menus = window->menuBar()->actions();
+    ASSERT_EQ(menus.size(), 2);
+    EXPECT_EQ(menus[0]->text(), QStringLiteral("&Datei"));
+    EXPECT_EQ(menus[1]->text(), QStringLiteral("&Berichte"));
+    const auto datei = window->mnuDatei->actions();
+    ASSERT_EQ(datei.size(), 3);
+    EXPECT_EQ(datei[0], window->mnuAktualisieren);
+    EXPECT_EQ(datei[0]->text(), QStringLiteral("&Aktualisieren"));
+    EXPECT_TRUE(datei[1]->isSeparator());
+    EXPECT_EQ(datei[2], window->mnuSchliessen);
+    EXPECT_EQ(datei[2]->text(), QStringLiteral("&Schließen"));
+    window->show();
+    window->mnuSchliessen->trigger();
+    EXPECT_FALSE(window->isVisible());
+    // Without a result the reports have nothing to show.
+    window->pbBerichte.at(0)->click();
+    EXPECT_TRUE(window->findChildren<ReportPreview*>().isEmpty());
+    EXPECT_TRUE(ui.messages.empty());
 }
 
 TEST_F(OverviewWindowTest, ProgressIsShownAndTheComputationMayBeStopped)
@@ -489,7 +519,12 @@ TEST_F(MainWindowOverviewTest, TheMenuOpensTheOverviewOfTheProject)
                   tabCaption(window->listTabs[i].title, window->listTabs[i].list->topLevelItemCount()));
     // The demo's rooms that no order has are not checked.
     EXPECT_GT(window->listTabs[5].list->topLevelItemCount(), 0);
-    expectOnScreen(*window, QStringLiteral("projektuebersicht-demo"), {"Erdgeschoss", "Lager", "Aufträge (2)"});
+    QTreeWidgetItem* room = window->lvRaeume->topLevelItem(0);
+    ASSERT_NE(room, nullptr);
+    window->lvRaeume->setCurrentItem(room);
+    EXPECT_GT(window->lvObjekte->topLevelItemCount(), 0);
+    expectOnScreen(*window, QStringLiteral("projektuebersicht-demo"),
+                   {"Erdgeschoss", "Lager", "Aufträge (2)", "Objekte im Raum " + room->text(0), "1 OK"});
 
     // Opened again, the same window comes to the front.
     overview().mnuProjektFkt_Click(projektmenu::Uebersicht);
