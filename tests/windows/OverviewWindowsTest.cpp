@@ -497,6 +497,54 @@ TEST_F(MainWindowOverviewTest, TheOrderListShowsEachOrdersProgressAfterItsOwnCol
     EXPECT_TRUE(ui.messages.empty());
 }
 
+TEST_F(MainWindowOverviewTest, TheColumnsFillInFirstAsTheOrdersHoldThemThenFresh)
+{
+    std::vector<bool> asked;
+    startProgram();
+    overview().setSourceFactory([&](const Settings& settings) -> ProjectResultSource {
+        EXPECT_EQ(settings.gstProjektPfad, main->settings().gstProjektPfad);
+        return [&](const OverviewOptions& o) {
+            asked.push_back(o.freshEvaluation);
+            auto result = handResult();
+            if (o.freshEvaluation)
+                result->execute("UPDATE P_Auftrag SET iScans = 99, stStand = 'neu ausgewertet' WHERE lAuftragID = 1");
+            return result;
+        };
+    });
+    newOrder("Erdgeschoss", "Meier");
+    newOrder("Keller", "Schulz");
+    QTreeWidgetItem* item = mainItem("Erdgeschoss");
+    ASSERT_NE(item, nullptr);
+    ASSERT_EQ(item->data(0, Qt::UserRole).toString(), QStringLiteral("A 1"));
+    // Nothing is computed before the window is back in the event loop.
+    EXPECT_TRUE(asked.empty());
+    EXPECT_EQ(item->text(5), QString());
+    QCoreApplication::processEvents();
+    overview().figuresRun().wait();
+    EXPECT_EQ(asked, (std::vector<bool>{false}));
+    EXPECT_EQ(item->text(4), QStringLiteral("2 von 3"));
+    EXPECT_EQ(item->text(5), QStringLiteral("12"));
+    EXPECT_EQ(item->text(6), QStringLiteral("60,0"));
+    EXPECT_EQ(item->text(7), QStringLiteral("03.11.2026 14:05:09"));
+    EXPECT_EQ(item->text(8), QStringLiteral("aktuell"));
+    EXPECT_EQ(mainItem("Keller")->text(8), QStringLiteral("nie ausgewertet"));
+    EXPECT_TRUE(overview().figuresRun().running());
+    overview().figuresRun().wait();
+    EXPECT_EQ(asked, (std::vector<bool>{false, true}));
+    EXPECT_EQ(item->text(5), QStringLiteral("99"));
+    EXPECT_EQ(item->text(8), QStringLiteral("neu ausgewertet"));
+    EXPECT_FALSE(overview().figuresRun().running());
+    // Sorted by a column of our own, the list stays sorted as its figures change.
+    emit main->lvAuftraege->header()->sectionClicked(5);
+    EXPECT_EQ(main->lvAuftraege->topLevelItem(0)->text(0), QStringLiteral("Keller"));
+    main->InitAuftraege();
+    EXPECT_EQ(main->lvAuftraege->topLevelItem(0)->text(0), QStringLiteral("Keller"));
+    EXPECT_EQ(mainItem("Erdgeschoss")->text(5), QStringLiteral("99"));
+    settle(overview());
+    EXPECT_EQ(asked.size(), 4u);
+    EXPECT_TRUE(ui.messages.empty());
+}
+
 TEST_F(MainWindowOverviewTest, TheMenuOpensTheOverviewOfTheProject)
 {
     twoOrders();
