@@ -12,6 +12,7 @@
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -221,6 +222,8 @@ void ProjectOverviewWindow::buildWindow()
     connect(lvAuftraege, &QTreeWidget::currentItemChanged, this, [this] { showRooms(); });
     connect(lvRaeume, &QTreeWidget::currentItemChanged, this, [this] { showObjects(); });
     connect(lvAuftraege, &QTreeWidget::itemDoubleClicked, this, [this] { lvAuftraege_DblClick(); });
+    lvAuftraege->installEventFilter(this);
+    lvAuftraege->setToolTip(QStringLiteral("Öffnen mit Doppelklick"));
     resize(1000, 680);
     restoreWindowState(*this, kWindowKey);
 }
@@ -242,6 +245,19 @@ void ProjectOverviewWindow::showReport(const ProjectReport& report)
         ui_.setBusy(false);
         ui_.showError("ProjectOverviewWindow.showReport", e.what());
     }
+}
+
+bool ProjectOverviewWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // The return key opens the selected order as a double click does.
+    if (watched == lvAuftraege && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            lvAuftraege_DblClick();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void ProjectOverviewWindow::closeEvent(QCloseEvent* event)

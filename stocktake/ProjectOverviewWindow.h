@@ -58,7 +58,7 @@ public:
     /// The computation of this window (tests wait for it).
     ProjectResultRun& run() { return *run_; }
 
-    /// Double click on an order: it is opened in the main window.
+    /// Double click on an order (or the return key): it is opened in the main window.
     void lvAuftraege_DblClick();
 
     QTabWidget* tabs;
@@ -95,6 +95,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildWindow();

@@ -372,6 +372,10 @@ TEST_F(OverviewWindowTest, DoubleClickOnAnOrderAsksToOpenIt)
     window->lvAuftraege->setCurrentItem(itemOf(*window->lvAuftraege, QStringLiteral("Keller")));
     emit window->lvAuftraege->itemDoubleClicked(window->lvAuftraege->currentItem(), 0);
     EXPECT_EQ(opened, (std::vector<std::int32_t>{2}));
+    window->lvAuftraege->setCurrentItem(itemOf(*window->lvAuftraege, QStringLiteral("Erdgeschoss")));
+    QTest::keyClick(window->lvAuftraege, Qt::Key_Return);
+    EXPECT_EQ(opened, (std::vector<std::int32_t>{2, 1}));
+    EXPECT_EQ(window->lvAuftraege->toolTip(), QStringLiteral("Öffnen mit Doppelklick"));
 }
 
 TEST_F(OverviewWindowTest, Screenshot)
