@@ -9,9 +9,12 @@
 #include "ReportDefinition.h"
 #include "ReportError.h"
 #include "ReportFiles.h"
+#include "ReportLayout.h"
 #include "Settings.h"
 #include "TestSupport.h"
 #include "Value.h"
+
+#include <QString>
 
 #include <gtest/gtest.h>
 
@@ -254,6 +257,33 @@ TEST_F(ProjectReportsTest, AnEmptyProjectResultGivesEverySectionWithoutEntries)
     const std::string text = r->text();
     EXPECT_NE(text.find("1. Aufträge: keine Einträge"), std::string::npos) << text;
     EXPECT_NE(text.find("9. Hinweise: keine Einträge"), std::string::npos) << text;
+}
+
+TEST_F(ProjectReportsTest, EachSectionOfTheGesamtauswertungSaysWhatItHoldsInLinesThatFitThePage)
+{
+    auto empty = Database::inMemory();
+    createProjectResultSchema(*empty);
+    const auto r = openProjectReport(settings, *empty, report("gesamtauswertung"));
+    const ReportModel& m = r->model();
+    const ReportLayout& layout = r->layout();
+    ASSERT_EQ(m.groups(0).size(), 9u);
+    std::vector<std::string> firstLines;
+    for (const RowRange& section : m.groups(0)) {
+        for (const TextTemplate& line : m.definition().groups[0].header) {
+            const std::string text = m.evaluate(line, section);
+            EXPECT_FALSE(text.empty());
+            EXPECT_LE(layout.typography().advance(FontRole::Group, QString::fromStdString(text)),
+                      layout.right() - layout.left() - 20)
+                << text;
+        }
+        firstLines.push_back(m.evaluate(m.definition().groups[0].header.at(1), section));
+    }
+    EXPECT_EQ(firstLines[1], "Objekte, die in ihrem Auftrag fehlen (3b) und im Raum eines anderen Auftrags gescannt "
+                             "wurden: Sie zählen weder als fehlend noch als zuviel.");
+    EXPECT_EQ(firstLines[2], "Jeder Scan einer Nummer, die in mehr als einem Auftrag gescannt wurde (doppelt gezählt "
+                             "oder wirklich umgestellt), der letzte Scan zuerst.");
+    EXPECT_EQ(firstLines[5], "Objekte, die in ihrem Auftrag fehlen (3b) und in keinem Auftrag gescannt wurden.");
+    EXPECT_EQ(firstLines[6], "Räume der Gebäudestruktur, die keinem Auftrag gehören: Niemand hat sie geprüft.");
 }
 
 TEST_F(ProjectReportsTest, PdfIsWrittenAndTheProjectResultStaysUnchangedAndWritable)
