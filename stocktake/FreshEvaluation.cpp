@@ -56,10 +56,17 @@ void FreshEvaluation::evaluate(Database& order, const std::string& fileName, con
     order.copyTo(copyPath);
 
     // A report database of the overview's own: the evaluation reads Quarn's tables through its links.
+    // It is taken from the program folder's file (only read), whose links to Quarn's databases of other
+    // modules (the remarks of the INVENTAR objects) stay as the projects evaluated there left them;
+    // without that file it is made anew.
     Settings own = settings;
     own.reportDatabaseFile = folder_ + "/" + kReportDatabaseFile;
     own.privateReportDatabase = nullptr;
-    createReportDatabase(own.reportDatabaseFile);
+    try {
+        Database::open(sharedReportDatabasePath(settings), true)->copyTo(own.reportDatabaseFile);
+    } catch (const DbError&) {
+        createReportDatabase(own.reportDatabaseFile);
+    }
     if (!CheckReportMdbLink(own, copyPath, *ui_)) {
         error_ = toldErrors(*ui_);
         return;

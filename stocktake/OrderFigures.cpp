@@ -103,11 +103,20 @@ void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, 
     // Scan lines, with their time, per room number.
     std::map<std::string, RoomScans, JetLess> perRoom;
     {
-        const Recordset scans = order.query(kScans);
-        for (const auto& s : scans.rows()) {
-            const std::string zeit = scanTime(text(s[3]), text(s[4]));
-            insert(result, kInsertScan, {h.stAuftrag, s[0], s[1], s[2], s[3], s[4], zeit, s[5]});
-            RoomScans& room = perRoom[text(s[1])];
+        const auto scans = order.prepareOwn(kScans);
+        Statement& insertScan = result.prepare(kInsertScan);
+        scans->reset();
+        while (scans->step()) {
+            const std::string raum(scans->columnText(1));
+            const std::string zeit = scanTime(std::string(scans->columnText(3)), std::string(scans->columnText(4)));
+            insertScan.reset();
+            insertScan.bind(1, h.stAuftrag);
+            for (int c = 0; c < 5; ++c)
+                insertScan.bind(c + 2, scans->column(c));
+            insertScan.bind(7, zeit);
+            insertScan.bind(8, scans->column(5));
+            insertScan.step();
+            RoomScans& room = perRoom[raum];
             ++room.count;
             if (room.last < zeit)
                 room.last = zeit;
@@ -115,27 +124,34 @@ void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, 
                 f.letzterScan = zeit;
             ++f.scans;
         }
+        insertScan.reset();
     }
 
     // The difference list, with the "1 OK" rows per room.
     std::map<std::int64_t, std::int64_t> okPerRoom;
     {
-        const Recordset list = order.query(kList);
-        for (const auto& d : list.rows()) {
-            const std::string typ = text(d[3]);
-            insert(result, kInsertDiff,
-                   {h.stAuftrag, d[0], d[1], d[2], d[3], d[4], d[5], d[6], d[7], d[8], d[9], d[10],
-                    scanTime(text(d[9]), text(d[10]))});
-            if (!text(d[1]).empty())
+        const auto list = order.prepareOwn(kList);
+        Statement& insertDiff = result.prepare(kInsertDiff);
+        list->reset();
+        while (list->step()) {
+            const std::string typ(list->columnText(3));
+            insertDiff.reset();
+            insertDiff.bind(1, h.stAuftrag);
+            for (int c = 0; c < 11; ++c)
+                insertDiff.bind(c + 2, list->column(c));
+            insertDiff.bind(13, scanTime(std::string(list->columnText(9)), std::string(list->columnText(10))));
+            insertDiff.step();
+            if (!list->columnText(1).empty())
                 ++f.soll;
             const int c = categoryOf(typ);
             if (c >= 0)
                 ++f.category[c];
             if (c == 0) {
                 ++f.amPlatz;
-                ++okPerRoom[toLong(d[11])];
+                ++okPerRoom[list->columnInt(11)];
             }
         }
+        insertDiff.reset();
     }
 
     // The rooms.

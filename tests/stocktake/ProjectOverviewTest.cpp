@@ -479,6 +479,17 @@ TEST_F(ProjectOverviewTest, AListIsStaleWhenQuarnsObjectsOfItsRoomsChanged)
     EXPECT_EQ(stand(*compute(), "EG"), kStandAktuell);
 }
 
+TEST_F(ProjectOverviewTest, WithoutTheProgramFoldersReportDatabaseTheEvaluationOnTheCopyMakesOneOfItsOwn)
+{
+    groundFloorOrder("EG");
+    ASSERT_TRUE(removeFile(program + "/QInventurRpt.mdb"));
+    const auto result = compute();
+    EXPECT_EQ(stand(*result, "EG"), kStandNie);
+    EXPECT_FALSE(fileExists(program + "/QInventurRpt.mdb"));
+    evaluate("EG");
+    EXPECT_EQ(countsOfResult(*result, "EG"), countsOfFile(orderFile("EG")));
+}
+
 TEST_F(ProjectOverviewTest, AnEvaluationThatFailsOnTheCopyLeavesTheStoredFiguresAndSaysWhy)
 {
     groundFloorOrder("EG");
