@@ -1,9 +1,10 @@
 #pragma once
 // An order evaluated afresh without changing it: its database is copied into a private
-// folder of this program's own, together with a report database of the overview's own
-// linked to the copy, and the evaluation runs on the copy as the work window runs it. The
-// order's file, the program folder's report database and the program's private copy of it
-// are not touched. Nothing is shown: what the evaluation would have told is kept as text.
+// folder of this program's own, together with a report database of the overview's own (a
+// copy of the program folder's, only read; made anew without it) linked to the copy, and the
+// evaluation runs on the copy as the work window runs it. The order's file, the program
+// folder's report database and the program's private copy of it are not written. Nothing is
+// shown: what the evaluation would have told is kept as text. The folder goes with the object.
 
 #include "Database.h"
 
