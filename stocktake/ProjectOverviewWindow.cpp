@@ -41,13 +41,16 @@ QStringList qtTexts(const std::vector<std::string>& texts)
     return out;
 }
 
-/// Puts the rows of `table` into `list` (keys in the first column's data) and sorts them again.
-void fill(QTreeWidget& list, const ShownTable& table)
+/// Puts the rows of `table` that contain `filter` into `list` (keys in the first column's data)
+/// and sorts them again.
+void fill(QTreeWidget& list, const ShownTable& table, const QString& filter)
 {
     list.clear();
     QList<QTreeWidgetItem*> items;
     items.reserve(qsizetype(table.rows.size()));
     for (std::size_t r = 0; r < table.rows.size(); ++r) {
+        if (!rowMatches(table.rows[r], filter))
+            continue;
         auto* item = new ListViewItem(qtTexts(table.rows[r]));
         for (int c = 0; c < item->columnCount(); ++c)
             if (item->text(c).size() > 30)
@@ -86,16 +89,15 @@ QString currentKey(const QTreeWidget& list)
 
 QString tabCaption(const QString& title, int rows) { return title + QStringLiteral(" (%1)").arg(rows); }
 
-void applyFilter(QTreeWidget& list, const QString& filter)
+bool rowMatches(const std::vector<std::string>& cells, const QString& filter)
 {
     const QString wanted = filter.trimmed();
-    for (int i = 0; i < list.topLevelItemCount(); ++i) {
-        QTreeWidgetItem* item = list.topLevelItem(i);
-        bool shown = wanted.isEmpty();
-        for (int c = 0; !shown && c < list.columnCount(); ++c)
-            shown = item->text(c).contains(wanted, Qt::CaseInsensitive);
-        item->setHidden(!shown);
-    }
+    if (wanted.isEmpty())
+        return true;
+    for (const std::string& cell : cells)
+        if (QString::fromStdString(cell).contains(wanted, Qt::CaseInsensitive))
+            return true;
+    return false;
 }
 
 ProjectOverviewWindow::ProjectOverviewWindow(UserInteraction& ui, ProjectResultSource source, QWidget* parent)
@@ -129,7 +131,7 @@ QWidget* ProjectOverviewWindow::filteredList(QTreeWidget*& list, QLineEdit*& fil
     list->setSelectionMode(QAbstractItemView::SingleSelection);
     layout->addWidget(filter);
     layout->addWidget(list);
-    connect(filter, &QLineEdit::textChanged, list, [list](const QString& text) { applyFilter(*list, text); });
+    connect(filter, &QLineEdit::textChanged, list, [this, list](const QString& text) { refilter(*list, text); });
     return page;
 }
 
@@ -307,6 +309,29 @@ void ProjectOverviewWindow::onEnded(const QString& status)
     lbStand->setText(status);
 }
 
+void ProjectOverviewWindow::showTable(QTreeWidget& list, ShownTable table, const QString& filter)
+{
+    fill(list, table, filter);
+    tables_[&list] = std::move(table);
+}
+
+void ProjectOverviewWindow::refilter(QTreeWidget& list, const QString& filter)
+{
+    const auto shown = tables_.find(&list);
+    if (shown == tables_.end())
+        return;
+    const QString current = currentKey(list);
+    {
+        const QSignalBlocker quiet(&list);
+        fill(list, shown->second, filter);
+        if (QTreeWidgetItem* again = itemWithKey(list, current))
+            list.setCurrentItem(again);
+    }
+    // An order that the filter leaves out takes its rooms along.
+    if (&list == lvAuftraege && currentKey(list) != current)
+        showRooms();
+}
+
 void ProjectOverviewWindow::showResult(std::shared_ptr<Database> result)
 {
     result_ = std::move(result);
@@ -317,20 +342,18 @@ void ProjectOverviewWindow::showResult(std::shared_ptr<Database> result)
     lbSumme->setText(QString::fromStdString(projectTotalsText(*result_)));
     {
         const QSignalBlocker quiet(lvAuftraege);
-        fill(*lvAuftraege, orderTable(*result_));
+        showTable(*lvAuftraege, orderTable(*result_), txFilterAuftraege->text());
         if (QTreeWidgetItem* again = itemWithKey(*lvAuftraege, order))
             lvAuftraege->setCurrentItem(again);
     }
-    applyFilter(*lvAuftraege, txFilterAuftraege->text());
-    tabs->setTabText(0, tabCaption(QStringLiteral("Aufträge"), lvAuftraege->topLevelItemCount()));
+    tabs->setTabText(0, tabCaption(QStringLiteral("Aufträge"), int(tables_[lvAuftraege].rows.size())));
     showRooms();
     if (QTreeWidgetItem* again = itemWithKey(*lvRaeume, room))
         lvRaeume->setCurrentItem(again);
     for (std::size_t i = 0; i < listTabs.size(); ++i) {
         ListTab& tab = listTabs[i];
-        fill(*tab.list, listTable(*result_, tab.table));
-        applyFilter(*tab.list, tab.filter->text());
-        tabs->setTabText(int(i) + 1, tabCaption(tab.title, tab.list->topLevelItemCount()));
+        showTable(*tab.list, listTable(*result_, tab.table), tab.filter->text());
+        tabs->setTabText(int(i) + 1, tabCaption(tab.title, int(tables_[tab.list].rows.size())));
     }
     emit resultShown(result_);
 }
@@ -346,7 +369,7 @@ void ProjectOverviewWindow::showRooms()
         return;
     }
     const QSignalBlocker quiet(lvRaeume);
-    fill(*lvRaeume, roomTable(*result_, order->text(0).toStdString()));
+    fill(*lvRaeume, roomTable(*result_, order->text(0).toStdString()), {});
     lbRaeume->setText(QStringLiteral("Räume des Auftrags %1").arg(order->text(0)));
     lbObjekte->setText(QStringLiteral("Objekte"));
 }
@@ -360,7 +383,7 @@ void ProjectOverviewWindow::showObjects()
         lbObjekte->setText(QStringLiteral("Objekte"));
         return;
     }
-    fill(*lvObjekte, objectTable(*result_, order->text(0).toStdString(), room->text(0).toStdString()));
+    fill(*lvObjekte, objectTable(*result_, order->text(0).toStdString(), room->text(0).toStdString()), {});
     lbObjekte->setText(QStringLiteral("Objekte im Raum %1").arg(room->text(0)));
 }
 

@@ -7,12 +7,14 @@
 // as the orders hold it, then with the stale orders evaluated afresh; the window stays in use,
 // shows the progress and may stop the computation.
 
+#include "OverviewTables.h"
 #include "ProjectResultRun.h"
 #include "Settings.h"
 
 #include <QMainWindow>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -100,6 +102,10 @@ protected:
 private:
     void buildWindow();
     QWidget* filteredList(QTreeWidget*& list, QLineEdit*& filter, const QStringList& headings);
+    /// Shows `table` in `list` as far as `filter` lets it, and keeps it for a change of the filter.
+    void showTable(QTreeWidget& list, ShownTable table, const QString& filter);
+    /// Shows the kept table of `list` anew under `filter`; the selected row stays where it can.
+    void refilter(QTreeWidget& list, const QString& filter);
     void showRooms();
     void showObjects();
     void onProgress(int done, int total, const QString& step);
@@ -109,13 +115,16 @@ private:
     UserInteraction& ui_;
     ProjectResultRun* run_;
     std::shared_ptr<Database> result_;
+    /// What each filtered list shows, before its filter.
+    std::map<const QTreeWidget*, ShownTable> tables_;
     Settings settings_;
     std::function<void(std::int32_t)> openOrder_;
 };
 
 /// The caption of a tab: its title and the number of rows ("Verschoben (3)").
 QString tabCaption(const QString& title, int rows);
-/// Hides the rows of `list` that contain `filter` in none of their cells (letter case ignored).
-void applyFilter(QTreeWidget& list, const QString& filter);
+/// Whether a row shows under a list's filter: one of its cells contains the filter's text
+/// (blanks around it ignored, letter case too); every row does under an empty filter.
+bool rowMatches(const std::vector<std::string>& cells, const QString& filter);
 
 } // namespace qi

@@ -243,9 +243,27 @@ TEST_F(OverviewWindowTest, FilterKeepsTheRowsThatContainItsText)
     unknown.filter->clear();
     EXPECT_EQ(shownRows(*unknown.list), 3);
 
+    // The tab counts the list's rows, whatever the filter keeps.
+    unknown.filter->setText(QStringLiteral("x3"));
+    EXPECT_EQ(shownRows(*unknown.list), 1);
+    EXPECT_EQ(window->tabs->tabText(4), QStringLiteral("Nicht in Quarn (3)"));
+    EXPECT_TRUE(rowMatches({"Erdgeschoss", "Büro"}, QStringLiteral(" büro ")));
+    EXPECT_FALSE(rowMatches({"Erdgeschoss", "Büro"}, QStringLiteral("Keller")));
+    EXPECT_TRUE(rowMatches({}, QString()));
+
+    // An order that the filter leaves out takes its rooms along; one it keeps keeps them.
+    window->lvAuftraege->setCurrentItem(itemOf(*window->lvAuftraege, QStringLiteral("Erdgeschoss")));
+    EXPECT_EQ(window->lvRaeume->topLevelItemCount(), 3);
+    window->txFilterAuftraege->setText(QStringLiteral("aktuell"));
+    EXPECT_EQ(shownRows(*window->lvAuftraege), 1);
+    EXPECT_EQ(window->lvAuftraege->currentItem(), itemOf(*window->lvAuftraege, QStringLiteral("Erdgeschoss")));
+    EXPECT_EQ(window->lvRaeume->topLevelItemCount(), 3);
     window->txFilterAuftraege->setText(QStringLiteral("nie ausgewertet"));
     EXPECT_EQ(shownRows(*window->lvAuftraege), 1);
-    EXPECT_FALSE(itemOf(*window->lvAuftraege, QStringLiteral("Keller"))->isHidden());
+    EXPECT_NE(itemOf(*window->lvAuftraege, QStringLiteral("Keller")), nullptr);
+    EXPECT_EQ(itemOf(*window->lvRaeume, QStringLiteral("E0.1")), nullptr);
+    window->txFilterAuftraege->clear();
+    EXPECT_EQ(shownRows(*window->lvAuftraege), 2);
 }
 
 TEST_F(OverviewWindowTest, ColumnsSortByAClickOnTheirHeading)
