@@ -27,6 +27,11 @@
 //    copies and files without an order.
 //  - stZeit of a row without date and time may be empty or a blank (texts compare with
 //    trailing blanks ignored).
+//  - An order whose rooms are all "N" has an empty difference list whether it was evaluated
+//    or not, so it can't be told "nie ausgewertet"; the never evaluated orders here have rooms
+//    to evaluate.
+//  - Numbers with trailing blanks: the import trims them, so a scanner line with them (one is
+//    here) is the same number in the order; across orders only letter case can differ.
 
 #include "CliFixture.h"
 #include "FileDigests.h"
@@ -34,7 +39,6 @@
 #include "Database.h"
 #include "DemoInstallation.h"
 #include "FileSystem.h"
-#include "JetCollation.h"
 #include "ProjectOverview.h"
 #include "ProjectResultSchema.h"
 #include "Settings.h"
