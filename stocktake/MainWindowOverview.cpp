@@ -68,9 +68,11 @@ MainWindowOverview::MainWindowOverview(frmMain& main)
 
     connect(&main, &frmMain::ordersListed, this, &MainWindowOverview::listed);
     connect(&main, &frmMain::orderWindowUnloaded, this, [this] {
-        startFigures();
+        // An open overview computes for both: its results fill the columns too.
         if (overview_ && overview_->isVisible())
             overview_->refresh();
+        else
+            startFigures();
     });
     connect(run_, &ProjectResultRun::finished, this, [this](std::shared_ptr<Database> result, bool fresh) {
         takeFigures(std::move(result));

@@ -271,8 +271,7 @@ void ProjectOverviewWindow::closeEvent(QCloseEvent* event)
 
 void ProjectOverviewWindow::refresh()
 {
-    if (run_->running())
-        return;
+    // A computation still running is replaced: what changed meanwhile is read too.
     pbAktualisieren->setEnabled(false);
     mnuAktualisieren->setEnabled(false);
     pbAbbrechen->setEnabled(true);

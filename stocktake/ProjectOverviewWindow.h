@@ -51,7 +51,7 @@ public:
     /// Shows a report of the project (projectReports()) over the result shown, in the preview window.
     void showReport(const ProjectReport& report);
 
-    /// Computes the result anew (the orders as they hold it, then fresh) unless a computation runs.
+    /// Computes the result anew (the orders as they hold it, then fresh); one still running is replaced.
     void refresh();
     /// Shows `result` in every list (the selections stay where they can).
     void showResult(std::shared_ptr<Database> result);

@@ -629,6 +629,8 @@ TEST_F(MainWindowOverviewTest, DoubleClickOnAnOrderOpensItsWorkWindowAndItsEndRe
     chooseFirstFloor();
     work()->close();
     EXPECT_TRUE(window.run().running());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(overview().figuresRun().running()); // the overview's result fills the columns
     settle(window.run());
     window.lvAuftraege->setCurrentItem(itemOf(*window.lvAuftraege, QStringLiteral("Lager")));
     EXPECT_EQ(window.lvRaeume->topLevelItemCount(), count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Raum"));
