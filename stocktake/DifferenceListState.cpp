@@ -42,7 +42,7 @@ std::int64_t count(Database& db, const std::string& sql) { return toLong(db.scal
 
 } // namespace
 
-ListState differenceListState(Database& order, QuarnRooms& quarn)
+ListState differenceListState(Database& order, const QuarnRooms& quarn)
 {
     if (count(order, kListRows) == 0 && count(order, kEvaluatedRooms) > 0)
         return ListState::Never;

@@ -24,7 +24,7 @@ enum class ListState {
 ///  - the Soll numbers of each of those rooms are exactly the objects Quarn has in the room now.
 /// An empty list while a room has a status other than "N" is Never. What the list takes from
 /// Quarn beyond the objects of the rooms (the locations and descriptions of scanned numbers) is
-/// not compared. DbError when the order can't be read; std::runtime_error when Quarn can't answer.
-ListState differenceListState(Database& order, QuarnRooms& quarn);
+/// not compared. DbError when the order can't be read.
+ListState differenceListState(Database& order, const QuarnRooms& quarn);
 
 } // namespace qi

@@ -96,7 +96,7 @@ int categoryOf(const std::string& typ)
 
 } // namespace
 
-void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, QuarnRooms& quarn)
+void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, const QuarnRooms& quarn)
 {
     Figures f;
 

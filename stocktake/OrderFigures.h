@@ -24,8 +24,8 @@ struct OrderHeader {
 /// Writes the order's rows into the result database `result`: its figures from `order` (its
 /// database, or the copy a fresh evaluation made of it; only read) and Quarn's objects of its
 /// rooms. Counts per category as `qinventur-cli auswerten` counts them. DbError when the order
-/// can't be read; std::runtime_error when Quarn can't answer.
-void writeOrderFigures(Database& result, Database& order, const OrderHeader& header, QuarnRooms& quarn);
+/// can't be read.
+void writeOrderFigures(Database& result, Database& order, const OrderHeader& header, const QuarnRooms& quarn);
 
 /// Writes the P_Auftrag row of an order whose database gives no figures (it is missing or can't
 /// be read): every count 0.

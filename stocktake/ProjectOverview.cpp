@@ -63,7 +63,7 @@ void readRegister(const Settings& settings, CAuftragRecColl& orders)
 /// Everything the overview tells of one order of the register.
 class OrderReading {
 public:
-    OrderReading(Database& result, const Settings& settings, QGebDb& geb, QuarnRooms& quarn, bool fresh)
+    OrderReading(Database& result, const Settings& settings, QGebDb& geb, const QuarnRooms& quarn, bool fresh)
         : result_(result), settings_(settings), geb_(geb), quarn_(quarn), fresh_(fresh)
     {
     }
@@ -156,7 +156,7 @@ private:
     Database& result_;
     const Settings& settings_;
     QGebDb& geb_;
-    QuarnRooms& quarn_;
+    const QuarnRooms& quarn_;
     bool fresh_;
 };
 

@@ -8,12 +8,18 @@
 
 namespace qi {
 
-QuarnRooms::QuarnRooms(QGebDb& geb) : geb_(geb)
+QuarnRooms::QuarnRooms(QGebDb& geb)
 {
-    if (!geb_.GetAllRooms(rooms_))
-        throw std::runtime_error(geb_.LastError());
+    if (!geb.GetAllRooms(rooms_))
+        throw std::runtime_error(geb.LastError());
     for (const GebRoom& room : rooms_)
         names_.emplace(room.lId, room.stBezeichnung);
+    // Every room's objects in one walk over Quarn's objects, not one question per room.
+    if (!geb.GetObjectNamesByRoom(objects_))
+        throw std::runtime_error(geb.LastError());
+    for (auto& [room, numbers] : objects_)
+        std::sort(numbers.begin(), numbers.end(),
+                  [](const std::string& a, const std::string& b) { return jetCompare(a, b) < 0; });
 }
 
 QuarnRooms::~QuarnRooms() = default;
@@ -24,20 +30,11 @@ std::string QuarnRooms::nameOf(std::int32_t lIdRB) const
     return it == names_.end() ? std::string() : it->second;
 }
 
-const std::vector<std::string>& QuarnRooms::objectsOf(std::int32_t lIdRB)
+const std::vector<std::string>& QuarnRooms::objectsOf(std::int32_t lIdRB) const
 {
-    if (const auto it = objects_.find(lIdRB); it != objects_.end())
-        return it->second;
-    std::vector<RoomObject> objects;
-    if (!geb_.GetObjectsOfRoom(lIdRB, objects))
-        throw std::runtime_error(geb_.LastError());
-    std::vector<std::string> names;
-    names.reserve(objects.size());
-    for (RoomObject& o : objects)
-        names.push_back(std::move(o.stName));
-    std::sort(names.begin(), names.end(),
-              [](const std::string& a, const std::string& b) { return jetCompare(a, b) < 0; });
-    return objects_.emplace(lIdRB, std::move(names)).first->second;
+    static const std::vector<std::string> none;
+    const auto it = objects_.find(lIdRB);
+    return it == objects_.end() ? none : it->second;
 }
 
 } // namespace qi

@@ -26,6 +26,9 @@ std::unique_ptr<Database> openHost(const std::string& appFolder, const HostSourc
     return nullptr;
 }
 
+/// The objects (alias o) that stand in a room: attached to the room node itself, variant 0.
+const std::string kStandingInRoom = "o.byGebstruTyp = 4 AND o.iVariante = 0";
+
 /// Index 0, 1 or 2 of the module's table prefix; only the three known prefixes become part of a statement.
 int prefixIndex(const std::string& prefix)
 {
@@ -155,7 +158,8 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
         Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
             return "SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " + p +
                    "Artikel a ON a.lId = o.lArtikelId "
-                   "WHERE o.lGebstruId = ?1 AND o.byGebstruTyp = 4 AND o.iVariante = 0 ORDER BY o.lId";
+                   "WHERE o.lGebstruId = ?1 AND " +
+                   kStandingInRoom + " ORDER BY o.lId";
         }));
         st.bindAll({std::int64_t{roomId}});
         while (st.step())
@@ -167,6 +171,32 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
         lastError_ = e.description();
     }
     objects.clear();
+    return false;
+}
+
+bool QGebDb::GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string>>& names)
+{
+    names.clear();
+    if (!obj_) {
+        if (lastError_.empty())
+            lastError_ = kNotOpen;
+        return false;
+    }
+    try {
+        Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
+            return "SELECT o.lGebstruId, o.stName FROM " + p + "Objekt o WHERE " + kStandingInRoom +
+                   " ORDER BY o.lGebstruId, o.lId";
+        }));
+        st.bindAll({});
+        while (st.step())
+            names[int32(st, 0)].emplace_back(st.columnText(1));
+        st.reset();
+        lastError_.clear();
+        return true;
+    } catch (const DbError& e) {
+        lastError_ = e.description();
+    }
+    names.clear();
     return false;
 }
 

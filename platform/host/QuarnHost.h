@@ -11,6 +11,7 @@
 #include "HostSource.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,6 +86,10 @@ public:
     /// The objects standing in one room (lGebstruId = room id, byGebstruTyp = 4, variant 0), in the order of their keys.
     /// Needs OpenObjects; false with LastError when the objects are not open or the query fails.
     bool GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects);
+    /// The inventory numbers of the objects standing in every room at once (as GetObjectsOfRoom
+    /// takes them, in the same order), by room id; rooms without objects have no entry. Needs
+    /// OpenObjects; false with LastError when the objects are not open or the query fails.
+    bool GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string>>& names);
 
 private:
     /// The open building database; throws DbError (LastError's text) when not open.

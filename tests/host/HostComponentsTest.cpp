@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace qi {
@@ -185,6 +186,35 @@ TEST_P(HostModuleTest, ObjectsOfEveryRoomWithArticleNumbers)
         total += objects.size();
     }
     EXPECT_GT(total, 0u);
+}
+
+TEST_P(HostModuleTest, TheObjectsOfAllRoomsAtOnceAreThoseOfEachRoom)
+{
+    const auto& m = inst().modules[GetParam()];
+    QGebDb geb;
+    ASSERT_TRUE(geb.Open("app", file("QGebaeude.mdb")));
+    ASSERT_TRUE(geb.OpenObjects(file(m.file), m.prefix)) << geb.LastError();
+    std::map<std::int32_t, std::vector<std::string>> byRoom{{-1, {"alt"}}};
+    ASSERT_TRUE(geb.GetObjectNamesByRoom(byRoom)) << geb.LastError();
+    std::size_t rooms = 0;
+    for (const auto& room : inst().rooms) {
+        std::vector<RoomObject> objects;
+        ASSERT_TRUE(geb.GetObjectsOfRoom(room.id, objects));
+        std::vector<std::string> expected;
+        for (const auto& o : objects)
+            expected.push_back(o.stName);
+        const auto it = byRoom.find(room.id);
+        EXPECT_EQ(it == byRoom.end() ? std::vector<std::string>() : it->second, expected) << "room " << room.nr;
+        rooms += it != byRoom.end();
+    }
+    // No other node holds objects standing in a room (a floor's objects and variants stand in none).
+    EXPECT_EQ(rooms, byRoom.size());
+    EXPECT_GT(rooms, 0u);
+
+    QGebDb closed;
+    EXPECT_FALSE(closed.GetObjectNamesByRoom(byRoom));
+    EXPECT_TRUE(byRoom.empty());
+    EXPECT_EQ(closed.LastError(), "Die Quarn-Datenbank ist nicht geöffnet.");
 }
 
 TEST_P(HostModuleTest, ObjectsOnAFloorAndVariantsStandInNoRoom)
