@@ -155,6 +155,7 @@ void ProjectOverviewWindow::buildWindow()
         auto* button = new QPushButton(QStringLiteral("&") + QString::fromUtf8(report.title.data(), qsizetype(report.title.size())), central);
         connect(button, &QPushButton::clicked, this, [this, &report] { showReport(report); });
         top->addWidget(button);
+        button->setEnabled(false);
         pbBerichte.push_back(button);
     }
     top->addWidget(pgBerechnung, 1);
@@ -214,6 +215,7 @@ void ProjectOverviewWindow::buildWindow()
         QAction* action = mnuBerichte->addAction(QStringLiteral("&") +
                                                  QString::fromUtf8(report.title.data(), qsizetype(report.title.size())));
         connect(action, &QAction::triggered, this, [this, &report] { showReport(report); });
+        action->setEnabled(false);
         mnuBerichteFkt.push_back(action);
     }
 
@@ -354,6 +356,11 @@ void ProjectOverviewWindow::showResult(std::shared_ptr<Database> result)
         showTable(*tab.list, listTable(*result_, tab.table), tab.filter->text());
         tabs->setTabText(int(i) + 1, tabCaption(tab.title, int(tables_[tab.list].rows.size())));
     }
+    // The reports print what the window shows.
+    for (QPushButton* button : pbBerichte)
+        button->setEnabled(true);
+    for (QAction* action : mnuBerichteFkt)
+        action->setEnabled(true);
     emit resultShown(result_);
 }
 

@@ -332,8 +332,15 @@ TEST_F(OverviewWindowTest, MenusAndButtons)
     window->mnuSchliessen->trigger();
     EXPECT_FALSE(window->isVisible());
     // Without a result the reports have nothing to show.
-    window->pbBerichte.at(0)->click();
-    EXPECT_TRUE(window->findChildren<ReportPreview*>().isEmpty());
+    for (QPushButton* button : window->pbBerichte)
+        EXPECT_FALSE(button->isEnabled());
+    for (QAction* action : window->mnuBerichteFkt)
+        EXPECT_FALSE(action->isEnabled());
+    window->showResult(handResult());
+    for (QPushButton* button : window->pbBerichte)
+        EXPECT_TRUE(button->isEnabled());
+    for (QAction* action : window->mnuBerichteFkt)
+        EXPECT_TRUE(action->isEnabled());
     EXPECT_TRUE(ui.messages.empty());
 }
 
@@ -394,6 +401,19 @@ TEST_F(OverviewWindowTest, DoubleClickOnAnOrderAsksToOpenIt)
     QTest::keyClick(window->lvAuftraege, Qt::Key_Return);
     EXPECT_EQ(opened, (std::vector<std::int32_t>{2, 1}));
     EXPECT_EQ(window->lvAuftraege->toolTip(), QStringLiteral("Öffnen mit Doppelklick"));
+}
+
+TEST_F(OverviewWindowTest, AReportWhoseFileIsMissingIsReported)
+{
+    // No project: the report file is found nowhere.
+    window->showResult(handResult());
+    window->mnuBerichteFkt.at(1)->trigger();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text.rfind("ProjectOverviewWindow.showReport\r\n", 0), 0u) << ui.messages[0].text;
+    EXPECT_NE(ui.messages[0].text.find("invfortschritt.rpt"), std::string::npos) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    EXPECT_TRUE(window->findChildren<ReportPreview*>().isEmpty());
+    EXPECT_EQ(ui.busyChanges, (std::vector<bool>{true, false}));
 }
 
 TEST_F(OverviewWindowTest, Screenshot)
