@@ -603,10 +603,14 @@ TEST_F(MainWindowOverviewTest, TheMenuOpensTheOverviewOfTheProject)
     // The rooms of the order are the order's rooms.
     window->lvAuftraege->setCurrentItem(itemOf(*window->lvAuftraege, QStringLiteral("Erdgeschoss")));
     EXPECT_EQ(window->lvRaeume->topLevelItemCount(), count(orderFile("Erdgeschoss"), "SELECT COUNT(*) FROM T_Raum"));
-    // Every list has its tab, also when it is empty.
-    for (std::size_t i = 0; i < window->listTabs.size(); ++i)
-        EXPECT_EQ(window->tabs->tabText(int(i) + 1),
-                  tabCaption(window->listTabs[i].title, window->listTabs[i].list->topLevelItemCount()));
+    // Every list has its tab, also when it is empty, with every row of its table in the result.
+    ASSERT_NE(window->result(), nullptr);
+    for (std::size_t i = 0; i < window->listTabs.size(); ++i) {
+        const auto& tab = window->listTabs[i];
+        EXPECT_EQ(tab.list->topLevelItemCount(), toLong(window->result()->scalar("SELECT count(*) FROM " + tab.table)))
+            << tab.table;
+        EXPECT_EQ(window->tabs->tabText(int(i) + 1), tabCaption(tab.title, tab.list->topLevelItemCount()));
+    }
     // The demo's rooms that no order has are not checked.
     EXPECT_GT(window->listTabs[5].list->topLevelItemCount(), 0);
     QTreeWidgetItem* room = window->lvRaeume->topLevelItem(0);
