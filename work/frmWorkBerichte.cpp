@@ -69,15 +69,17 @@ void frmWork::mnuFehlerFkt_Click(int index)
         ui_.setBusy(true);
         ReportDifferenzListe();
         const ReportMenuEntry* entry = entryOf(kFehlerMenu, index);
+        // A list that can't be cut answers false and is shown as it stands; only a
+        // run-time error ends the procedure.
         switch (index) {
         case fehlermenu::Neu:
-            check(f_DBAuftrag.MakeListNeu(), f_DBAuftrag);
+            f_DBAuftrag.MakeListNeu();
             break;
         case fehlermenu::Verschoben:
-            check(f_DBAuftrag.MakeListVerschoben(), f_DBAuftrag);
+            f_DBAuftrag.MakeListVerschoben();
             break;
         case fehlermenu::Fehlend:
-            check(f_DBAuftrag.MakeListFehlend(), f_DBAuftrag);
+            f_DBAuftrag.MakeListFehlend();
             break;
         default:
             break;
