@@ -10,6 +10,9 @@ namespace qi {
 
 namespace {
 
+/// The run-time error of a module that has no texts.
+constexpr const char* kInvalidCall = "Ungültiger Prozeduraufruf oder ungültiges Argument";
+
 // Module 0 (INVENTAR); the other modules name their own object table instead of T_IObjekt.
 constexpr const char* kAnzProRaumJet =
     "SELECT t_Raum.stRaumNr, t_Raum.stAuftrag, Count(T_IObjekt.stName) AS "
@@ -90,8 +93,10 @@ const ModuleTexts& texts(int which, std::int16_t modul)
         }
         return t;
     }();
-    const std::size_t m = modul >= 0 && modul <= 2 ? std::size_t(modul) : 0;
-    return all[std::size_t(which)][m];
+    // Only the three modules have texts; any other number is an invalid call, as in the evaluation.
+    if (modul < 0 || modul > 2)
+        throw std::runtime_error(kInvalidCall);
+    return all[std::size_t(which)][std::size_t(modul)];
 }
 
 } // namespace

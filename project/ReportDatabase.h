@@ -59,12 +59,15 @@ private:
     std::string file_;
 };
 
-/// Objects per room of the order, for the module (0, 1, 2; others as 0).
+/// Objects per room of the order, for the module (0, 1, 2); std::runtime_error
+/// "Ungültiger Prozeduraufruf oder ungültiges Argument" for any other module.
 JetSql anzProRaumQuery(std::int16_t modul);
-/// The difference list with room, person responsible and cost centre, for the module.
+/// The difference list with room, person responsible and cost centre, for the module
+/// (0, 1, 2); std::runtime_error as anzProRaumQuery for any other module.
 JetSql diffListeQuery(std::int16_t modul);
 
 /// Sets the SQL of both stored queries for the module; DbError when the file lacks them.
+/// A module outside 0..2 raises before either query is changed.
 void setReportQueries(LinkedDatabase& db, std::int16_t modul);
 
 } // namespace qi

@@ -294,6 +294,25 @@ TEST_F(ReportLinksTest, SwitchingTheModuleChangesTheObjectTableOfBothQueries)
     EXPECT_NE(db->queryJet("Q_DiffListe").find("t_Differenzliste.stObjBemerkung,  "), std::string::npos);
 }
 
+TEST_F(ReportLinksTest, AModuleOutsideTheThreeSetsNeitherQueryAndRaisesAnInvalidCall)
+{
+    auto db = LinkedDatabase::open(reportDb);
+    setReportQueries(*db, 1);
+    const std::string anz = db->queryJet("Q_AnzProRaum"), diff = db->queryJet("Q_DiffListe");
+    for (std::int16_t m : {3, -1}) {
+        try {
+            setReportQueries(*db, m);
+            ADD_FAILURE() << "module " << m << " was taken";
+        } catch (const std::exception& e) {
+            EXPECT_STREQ(e.what(), "Ungültiger Prozeduraufruf oder ungültiges Argument");
+        }
+        EXPECT_THROW(anzProRaumQuery(m), std::runtime_error);
+        EXPECT_THROW(diffListeQuery(m), std::runtime_error);
+        EXPECT_EQ(db->queryJet("Q_AnzProRaum"), anz);
+        EXPECT_EQ(db->queryJet("Q_DiffListe"), diff);
+    }
+}
+
 TEST_F(ReportLinksTest, QueriesOfEveryModuleRunAgainstTheirTables)
 {
     for (std::int16_t m : {0, 1, 2}) {

@@ -518,6 +518,44 @@ TEST_P(EvaluationRun, SwitchingTheModuleChangesBothStoredQueriesAtTheNextReportE
     EXPECT_NE(after->queryJet("Q_DiffListe").find("T_TObjekt"), std::string::npos);
 }
 
+TEST_P(EvaluationRun, AModuleOutsideTheThreeIsAnInvalidCallForTheQueriesAndTheTally)
+{
+    importAll();
+    w->mnuReportFkt_Click(reportmenu::Raumerfassung);
+    const std::string anzBefore = LinkedDatabase::open(reportDb)->queryJet("Q_AnzProRaum");
+    const std::string diffBefore = LinkedDatabase::open(reportDb)->queryJet("Q_DiffListe");
+    ui.messages.clear();
+    ui.reports.clear();
+    settings.giModul = 3;
+    const std::string invalid = "Ungültiger Prozeduraufruf oder ungültiges Argument";
+
+    // Every entry of the report menu stops where the stored queries are set, before its own work.
+    for (int index : {reportmenu::Artikel, reportmenu::Raumerfassung, reportmenu::Differenz}) {
+        ui.messages.clear();
+        w->mnuReportFkt_Click(index);
+        ASSERT_EQ(ui.messages.size(), 1u) << index;
+        EXPECT_EQ(ui.messages[0].text, "frmWork.mnuReportFkt_Click\r\n" + invalid);
+        EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    }
+    EXPECT_TRUE(ui.reports.empty());
+    auto report = LinkedDatabase::open(reportDb);
+    EXPECT_EQ(report->queryJet("Q_AnzProRaum"), anzBefore);
+    EXPECT_EQ(report->queryJet("Q_DiffListe"), diffBefore);
+    report.reset();
+
+    // The evaluation ends with its own label (Quarn has no object data for the module), the
+    // tally with the same description as the queries.
+    ui.messages.clear();
+    EXPECT_FALSE(w->ReportDifferenzListe());
+    ASSERT_FALSE(ui.messages.empty());
+    EXPECT_EQ(ui.messages.back().text.rfind("frmWork.ReportDifferenzListe\r\n", 0), 0u);
+    ui.messages.clear();
+    EXPECT_FALSE(w->MakeArtikelAufstellung());
+    ASSERT_FALSE(ui.messages.empty());
+    EXPECT_EQ(ui.messages.back().text, "frmWork.MakeArtikelAufstellung\r\n" + invalid);
+    EXPECT_TRUE(ui.reports.empty());
+}
+
 TEST_P(EvaluationRun, ReportMenuFailureShowsItsLabel)
 {
     ASSERT_TRUE(removeFile(reportDb));
