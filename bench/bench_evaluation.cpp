@@ -138,6 +138,54 @@ double floorSeconds(const fs::path& folder, const std::vector<std::string>& file
     return seconds(t0, t1);
 }
 
+/// Every row of the difference list, key and all columns, in the order of the keys.
+std::vector<std::string> differenceList(qi::CAuftragDb& order)
+{
+    std::vector<std::string> lines;
+    const qi::Recordset rs = order.database()->query("SELECT * FROM T_Differenzliste ORDER BY lID");
+    for (const auto& r : rs.rows()) {
+        std::string line;
+        for (const qi::Value& v : r)
+            line += (qi::isNull(v) ? std::string("<Null>") : qi::toText(v)) + "|";
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// QI_BENCH_DIFFLIST_SAVE=file writes the difference list there; QI_BENCH_DIFFLIST_EXPECT=file
+/// compares it, key for key, with one saved before. False when they differ.
+bool checkDifferenceList(qi::CAuftragDb& order)
+{
+    const std::vector<std::string> lines = differenceList(order);
+    if (const char* save = std::getenv("QI_BENCH_DIFFLIST_SAVE")) {
+        std::ofstream out(save, std::ios::binary);
+        for (const std::string& l : lines)
+            out << l << "\n";
+        std::printf("difference list saved to %s (%zu rows)\n", save, lines.size());
+    }
+    const char* expect = std::getenv("QI_BENCH_DIFFLIST_EXPECT");
+    if (!expect)
+        return true;
+    std::ifstream in(expect, std::ios::binary);
+    std::vector<std::string> saved;
+    for (std::string l; std::getline(in, l);)
+        saved.push_back(l);
+    std::size_t first = 0;
+    while (first < lines.size() && first < saved.size() && lines[first] == saved[first])
+        ++first;
+    if (first == lines.size() && first == saved.size()) {
+        std::printf("difference list identical to %s, row for row (%zu rows)\n", expect, lines.size());
+        return true;
+    }
+    std::printf("difference list DIFFERS from %s at row %zu (%zu rows, %zu saved)\n", expect, first + 1,
+                lines.size(), saved.size());
+    if (first < lines.size())
+        std::printf("  now:   %s\n", lines[first].c_str());
+    if (first < saved.size())
+        std::printf("  saved: %s\n", saved[first].c_str());
+    return false;
+}
+
 } // namespace
 
 int main()
@@ -176,6 +224,7 @@ int main()
     const bool evaluated = work.ReportDifferenzListe();
     const auto t2 = Clock::now();
     const double c2 = cpuSeconds(RUSAGE_SELF);
+    const bool sameList = checkDifferenceList(order);
     const auto evaluationSteps = ui.stepStarts;
     const bool tallied = work.MakeArtikelAufstellung();
     const auto t3 = Clock::now();
@@ -224,5 +273,5 @@ int main()
 
     order.CloseDb();
     fs::remove_all(folder);
-    return same && evaluated && tallied && listed ? 0 : 1;
+    return same && sameList && evaluated && tallied && listed ? 0 : 1;
 }

@@ -225,6 +225,42 @@ int jetCompare(std::string_view a, std::string_view b)
     return codePointCompare(a, b);
 }
 
+std::string jetFoldKey(std::string_view text)
+{
+    text = trimTrailingBlanks(text);
+    std::string key;
+    key.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c < 0x80) {
+            key.push_back(char(fold(c)));
+            ++i;
+            continue;
+        }
+        // The folded code point, written as UTF-8 would write it (also a lone byte's stand-in):
+        // one sequence of bytes per code point, so equal keys are equal folded code points.
+        const char32_t f = fold(decode(text, i));
+        if (f < 0x80) {
+            // A letter that folds to plain ASCII (the Kelvin sign to "k").
+            key.push_back(char(f));
+            continue;
+        }
+        if (f < 0x800) {
+            key.push_back(char(0xC0 | (f >> 6)));
+        } else {
+            if (f < 0x10000) {
+                key.push_back(char(0xE0 | (f >> 12)));
+            } else {
+                key.push_back(char(0xF0 | (f >> 18)));
+                key.push_back(char(0x80 | ((f >> 12) & 0x3F)));
+            }
+            key.push_back(char(0x80 | ((f >> 6) & 0x3F)));
+        }
+        key.push_back(char(0x80 | (f & 0x3F)));
+    }
+    return key;
+}
+
 bool jetEqual(std::string_view a, std::string_view b)
 {
     return codePointCompare(trimTrailingBlanks(a), trimTrailingBlanks(b)) == 0;

@@ -11,6 +11,7 @@
 // under the rule above, so the order is a total order that unique indexes, GROUP BY
 // and ORDER BY can rely on.
 
+#include <string>
 #include <string_view>
 
 struct sqlite3;
@@ -26,6 +27,11 @@ int jetCompare(std::string_view a, std::string_view b);
 
 /// True when the two texts are equal under the comparison.
 bool jetEqual(std::string_view a, std::string_view b);
+
+/// The text as the comparison's equality sees it: trailing blanks removed, every character
+/// case-folded. Two texts are equal under the comparison exactly when their keys are the same
+/// bytes, so a hash map of keys finds what an equality join on a JET column finds.
+std::string jetFoldKey(std::string_view text);
 
 /// Registers the collation on a connection (returns the SQLite result code).
 int registerJetCollation(sqlite3* db);

@@ -2,6 +2,7 @@
 
 #include "Database.h"
 #include "HostMirror.h"
+#include "JetCollation.h"
 
 namespace qi {
 
@@ -215,6 +216,14 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
 {
     if (!db_)
         throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    if (batches_ > 0) {
+        if (!mapped_ || mappedPrefix_ != prefix_)
+            readAllObjects();
+        const auto found = byKey_.find(jetFoldKey(invNr));
+        if (found == byKey_.end())
+            return std::nullopt;
+        return found->second;
+    }
     // stName is unique in Quarn's object tables: at most one row.
     Statement& st = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
         return "SELECT a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " + p +
@@ -228,14 +237,52 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
     return found;
 }
 
-QObjektDb::LookupBatch::LookupBatch(QObjektDb& objects)
+void QObjektDb::readAllObjects()
 {
-    if (objects.db_)
-        tx_ = std::make_unique<Database::Transaction>(*objects.db_);
+    mapped_ = false;
+    byKey_.clear();
+    // The same join as the single lookup; of numbers that compare equal the first in the order
+    // of the rows stands, as the lookup through the number's index finds it.
+    Statement& st = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        return "SELECT o.stName, a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " +
+               p + "Artikel a ON a.lId = o.lArtikelId ORDER BY o.rowid";
+    }));
+    st.bindAll({});
+    try {
+        while (st.step()) {
+            if (isNull(st.column(0)))
+                continue;
+            byKey_.try_emplace(jetFoldKey(st.columnText(0)), HostObject{text(st, 1), text(st, 2), text(st, 3), text(st, 4)});
+        }
+    } catch (...) {
+        byKey_.clear();
+        st.reset();
+        throw;
+    }
+    st.reset();
+    mapped_ = true;
+    mappedPrefix_ = prefix_;
+}
+
+QObjektDb::LookupBatch::LookupBatch(QObjektDb& objects) : objects_(objects)
+{
+    if (!objects.db_)
+        return;
+    tx_ = std::make_unique<Database::Transaction>(*objects.db_);
+    // The map of a batch before stands while no one changed the database since.
+    const std::int64_t version = toLong(objects.db_->scalar("PRAGMA data_version"));
+    if (version != objects.mappedVersion_) {
+        objects.mapped_ = false;
+        objects.byKey_.clear();
+        objects.mappedVersion_ = version;
+    }
+    ++objects.batches_;
 }
 
 QObjektDb::LookupBatch::~LookupBatch()
 {
+    if (tx_)
+        --objects_.batches_;
     try {
         if (tx_)
             tx_->commit();

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace qi {
@@ -117,10 +118,13 @@ public:
     bool IsOpen() const { return db_ != nullptr; }
     /// The object with that inventory number (compared like Jet text: case and trailing blanks ignored),
     /// or nothing. Throws DbError when not open (with the open's failure text) or when the query fails.
+    /// Inside a LookupBatch the answer comes from a map of all of the module's objects, read at the
+    /// batch's first lookup and kept while the object database stays as it was.
     std::optional<HostObject> FindByInvNr(const std::string& invNr);
 
     /// Many lookups in a row (a whole scanner file): while the object lives, the
-    /// object database is read as of one moment and is not locked anew for each lookup.
+    /// object database is read as of one moment and is not locked anew for each lookup,
+    /// and the lookups are answered from memory.
     class LookupBatch {
     public:
         explicit LookupBatch(QObjektDb& objects);
@@ -129,13 +133,24 @@ public:
         LookupBatch& operator=(const LookupBatch&) = delete;
 
     private:
+        QObjektDb& objects_;
         std::unique_ptr<Database::Transaction> tx_;
     };
 
 private:
+    /// Reads every object of the module into byKey_ (the first of equal numbers, as the query finds it).
+    void readAllObjects();
     std::unique_ptr<Database> db_;
     std::string prefix_ = "T_I";
     std::string lastError_;
+    /// Open LookupBatch objects.
+    int batches_ = 0;
+    /// The module's objects by jetFoldKey of their number; valid while mapped_ is true.
+    std::unordered_map<std::string, HostObject> byKey_;
+    bool mapped_ = false;
+    /// Prefix and data version of the database when byKey_ was read.
+    std::string mappedPrefix_;
+    std::int64_t mappedVersion_ = -1;
 };
 
 /// The article component: lookup of an article by its number.

@@ -322,6 +322,40 @@ TEST_P(HostModuleTest, EveryArticleIsFoundByItsNumber)
     EXPECT_FALSE(art.FindDescription("").has_value());
 }
 
+TEST_P(HostModuleTest, LookupsOfABatchAnswerAsSingleLookups)
+{
+    const auto& m = inst().modules[GetParam()];
+    const auto& other = inst().modules[(GetParam() + 1) % 3];
+    QObjektDb single, batched;
+    ASSERT_TRUE(single.Open("app", file(m.file)));
+    ASSERT_TRUE(batched.Open("app", file(m.file)));
+    single.SetTablePrefix(m.prefix);
+    batched.SetTablePrefix(m.prefix);
+    std::vector<std::string> numbers = {"999001", "", "Obj. ohne Nr.", "ohne-" + m.prefix + "  ",
+                                        " OHNE-" + m.prefix, other.objects.front().name};
+    for (const auto& o : m.objects) {
+        numbers.push_back(o.name);
+        std::string upper = o.name;
+        for (char& c : upper)
+            c = char(std::toupper(static_cast<unsigned char>(c)));
+        numbers.push_back(upper + " ");
+    }
+    const auto same = [](const std::optional<HostObject>& a, const std::optional<HostObject>& b) {
+        return a.has_value() == b.has_value() &&
+               (!a || (a->stArtNr == b->stArtNr && a->stArtName == b->stArtName &&
+                       a->stBeschreibung == b->stBeschreibung && a->stOrt == b->stOrt));
+    };
+    for (int round = 0; round < 2; ++round) {
+        const QObjektDb::LookupBatch batch(batched);
+        for (const std::string& n : numbers)
+            ASSERT_TRUE(same(batched.FindByInvNr(n), single.FindByInvNr(n))) << n;
+    }
+    // A batch with the other module's prefix reads that module's tables, which the file lacks.
+    batched.SetTablePrefix(other.prefix);
+    const QObjektDb::LookupBatch batch(batched);
+    EXPECT_THROW(batched.FindByInvNr(m.objects.front().name), DbError);
+}
+
 TEST_P(HostModuleTest, WrongPrefixForTheFileIsAnErrorNotACrash)
 {
     const auto& m = inst().modules[GetParam()];

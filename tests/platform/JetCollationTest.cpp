@@ -251,3 +251,19 @@ TEST_F(CollationInDb, OrderByFollowsGermanReading)
     EXPECT_THROW(db->execute("INSERT INTO t(s) VALUES (?1)", {std::string("ÖFEN ")}), DbError);
     EXPECT_NO_THROW(db->execute("INSERT INTO t(s) VALUES (?1)", {std::string("Ofen!")}));
 }
+
+TEST(JetCollation, FoldKeysAreTheSameExactlyForEqualTexts)
+{
+    EXPECT_EQ(jetFoldKey("Müller  "), jetFoldKey("MÜLLER"));
+    EXPECT_EQ(jetFoldKey("INV-001"), "inv-001");
+    EXPECT_NE(jetFoldKey("Müller"), jetFoldKey("Muller"));
+    EXPECT_NE(jetFoldKey(" abc"), jetFoldKey("abc"));
+    // The Kelvin sign folds to a plain "k".
+    EXPECT_EQ(jetFoldKey("\xE2\x84\xAA"), jetFoldKey("K"));
+    std::vector<std::string> texts = randomTexts(7, 160);
+    for (const char* t : {"\xFF", "\xED\xB3\xBF", "a\xC3", "Straße", "STRASSE", "ﬁ"})
+        texts.emplace_back(t);
+    for (const std::string& a : texts)
+        for (const std::string& b : texts)
+            ASSERT_EQ(jetFoldKey(a) == jetFoldKey(b), jetEqual(a, b)) << a << " / " << b;
+}
