@@ -77,6 +77,11 @@ bool frmWork::Init()
             onDateienChanged();
         return true;
     } catch (const std::exception& e) {
+        // The window shows the cleared list, not the rows before, behind the message.
+        lvDateien.clear();
+        pbRemoveEnabled = false;
+        if (onDateienChanged)
+            onDateienChanged();
         ui_.showError("frmWork.Init", e.what());
         return false;
     }
@@ -102,6 +107,9 @@ bool frmWork::InitData()
             onRoomsChanged();
         return true;
     } catch (const std::exception& e) {
+        lvRooms.clear();
+        if (onRoomsChanged)
+            onRoomsChanged();
         ui_.showError("frmWork.InitData", e.what());
         return false;
     }

@@ -126,6 +126,32 @@ TEST_F(WindowsTest, WorkWindowCountsItsRoomsAndFiles)
     EXPECT_EQ(work()->lbCounts->text(), QStringLiteral("6 Räume, 1 Datei"));
 }
 
+TEST_F(WindowsTest, WorkWindowShowsClearedListsWhenTheyCantBeRead)
+{
+    openDemoOrder();
+    chooseFirstFloor();
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    work()->pbAdd->click();
+    frmWorkWindow& w = *work();
+    ASSERT_EQ(w.lbCounts->text(), QStringLiteral("6 Räume, 1 Datei"));
+    ASSERT_TRUE(w.pbRemove->isEnabled());
+    ui.messages.clear();
+    // Neither list of the order can be read any more.
+    Database& order = *main->orderDb()->database();
+    order.execute("ALTER TABLE T_Dateien RENAME TO T_DateienWeg");
+    order.execute("ALTER TABLE T_Raum RENAME TO T_RaumWeg");
+    w.Form_Activate();
+    ASSERT_EQ(ui.messages.size(), 2u);
+    EXPECT_EQ(ui.messages[0].text.rfind("frmWork.Init\r\n", 0), 0u) << ui.messages[0].text;
+    EXPECT_EQ(ui.messages[1].text.rfind("frmWork.InitData\r\n", 0), 0u) << ui.messages[1].text;
+    EXPECT_EQ(w.lvDateien->topLevelItemCount(), 0);
+    EXPECT_EQ(w.lvRooms->topLevelItemCount(), 0);
+    EXPECT_EQ(w.lbCounts->text(), QStringLiteral("0 Räume, 0 Dateien"));
+    EXPECT_FALSE(w.pbRemove->isEnabled());
+    order.execute("ALTER TABLE T_DateienWeg RENAME TO T_Dateien");
+    order.execute("ALTER TABLE T_RaumWeg RENAME TO T_Raum");
+}
+
 TEST_F(WindowsTest, WorkWindowListsFillTheWindowAndFollowItsSize)
 {
     openDemoOrder();
