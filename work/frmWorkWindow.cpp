@@ -282,10 +282,11 @@ void frmWorkWindow::showCounts()
 
 std::pair<std::string, std::string> frmWorkWindow::selectedDatei() const
 {
+    // Only a file the list shows selected; the current item alone is no choice.
     const auto selected = lvDateien->selectedItems();
-    const QTreeWidgetItem* item = selected.isEmpty() ? lvDateien->currentItem() : selected.first();
-    if (!item)
+    if (selected.isEmpty())
         return {};
+    const QTreeWidgetItem* item = selected.first();
     return {item->data(0, KeyRole).toString().toStdString(), item->text(0).toStdString()};
 }
 

@@ -152,6 +152,34 @@ TEST_F(WindowsTest, WorkWindowShowsClearedListsWhenTheyCantBeRead)
     order.execute("ALTER TABLE T_RaumWeg RENAME TO T_Raum");
 }
 
+TEST_F(WindowsTest, WorkWindowRemovesNothingWithoutAVisibleSelection)
+{
+    openDemoOrder();
+    chooseFirstFloor();
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    work()->pbAdd->click();
+    frmWorkWindow& w = *work();
+    ASSERT_EQ(w.lvDateien->topLevelItemCount(), 1);
+    ui.messages.clear();
+    // The file is the list's current item, but nothing shows it selected.
+    w.lvDateien->clearSelection();
+    w.lvDateien->setCurrentItem(w.lvDateien->topLevelItem(0), 0, QItemSelectionModel::NoUpdate);
+    ASSERT_TRUE(w.lvDateien->selectedItems().isEmpty());
+    ASSERT_NE(w.lvDateien->currentItem(), nullptr);
+    ui.answers.push_back(MsgResult::Yes);
+    w.pbRemove->click();
+    EXPECT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_EQ(w.lvDateien->topLevelItemCount(), 1);
+    EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Dateien"), 1);
+    // Selected, it is offered.
+    w.lvDateien->topLevelItem(0)->setSelected(true);
+    ui.answers = {MsgResult::No};
+    w.pbRemove->click();
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Die Datei 'Scan_EG_Teil1.dat' entfernen und Inventurdaten entsprechen "
+                                   "verbleibenden Dateien aktualisieren ?");
+}
+
 TEST_F(WindowsTest, WorkWindowListsFillTheWindowAndFollowItsSize)
 {
     openDemoOrder();
