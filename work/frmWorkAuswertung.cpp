@@ -5,6 +5,7 @@
 #include "QuarnHost.h"
 #include "ReportDatabase.h"
 #include "ReportMenus.h"
+#include "SqlName.h"
 #include "frmWorkSupport.h"
 
 #include <array>
@@ -111,14 +112,41 @@ std::string textOf(const Value& v)
     return toText(v);
 }
 
+/// Schema name of Quarn's object database on the order's connection during a run.
+constexpr const char* kObjectsSchema = "qi_sollbestand";
+
+/// A database file attached to a connection under a name, detached when the object goes.
+class AttachedFile {
+public:
+    AttachedFile(Database& db, const std::string& file, const std::string& schema) : db_(db), schema_(schema)
+    {
+        db_.execute("ATTACH DATABASE ?1 AS " + sqlName(schema_), {file});
+    }
+    ~AttachedFile()
+    {
+        try {
+            db_.execute("DETACH DATABASE " + sqlName(schema_));
+        } catch (...) {
+            // The connection goes on without it being detached; nothing of the run depends on it.
+        }
+    }
+    AttachedFile(const AttachedFile&) = delete;
+    AttachedFile& operator=(const AttachedFile&) = delete;
+
+private:
+    Database& db_;
+    std::string schema_;
+};
+
 /// The order's connection with the report database's links attached, and the one
 /// transaction of a run (kept on errors, see KeptTransaction). The report database is
 /// read when the run begins, since files can't be attached inside a transaction; an
 /// error there is raised where the run opens the report database (links()), so that a
-/// run stopped by it has done what comes before.
+/// run stopped by it has done what comes before. The same holds for Quarn's object
+/// database (`objectsFile`, when given), attached as kObjectsSchema for the Soll rows.
 class LinkedRun {
 public:
-    LinkedRun(CAuftragDb& order, const Settings& settings)
+    LinkedRun(CAuftragDb& order, const Settings& settings, const std::string& objectsFile = {})
     {
         try {
             Database* db = order.database();
@@ -128,6 +156,16 @@ public:
         } catch (const std::exception&) {
             error_ = std::current_exception();
         }
+        if (!objectsFile.empty()) {
+            try {
+                Database* db = order.database();
+                if (!db)
+                    throw Failure(kNoObject);
+                objects_.emplace(*db, objectsFile, kObjectsSchema);
+            } catch (const std::exception&) {
+                objectsError_ = std::current_exception();
+            }
+        }
         tx_.emplace(order);
     }
     /// The report database's links; raises the error of reading them.
@@ -136,11 +174,19 @@ public:
         if (error_)
             std::rethrow_exception(error_);
     }
+    /// Quarn's object database as kObjectsSchema; raises the error of attaching it.
+    void objects() const
+    {
+        if (objectsError_)
+            std::rethrow_exception(objectsError_);
+    }
     void commit() { tx_->commit(); }
 
 private:
     std::unique_ptr<LinkAttachment> links_;
     std::exception_ptr error_;
+    std::optional<AttachedFile> objects_;
+    std::exception_ptr objectsError_;
     // Declared after the links: the transaction ends before they are detached.
     std::optional<KeptTransaction> tx_;
 };
@@ -154,16 +200,31 @@ bool frmWork::ReportDifferenzListe()
     ui_.setBusy(true);
     ProgressScope progress(*this, kEvaluationTitle);
     try {
+        // Quarn's object database is opened before the run begins, to be attached with the
+        // links; an error there is raised where the Soll rows need it.
+        std::exception_ptr gebError;
+        QGebDb* geb = nullptr;
+        std::string objectsFile;
+        try {
+            geb = &ensureGebDb();
+            objectsFile = geb->ObjectsFile();
+        } catch (const std::exception&) {
+            gebError = std::current_exception();
+        }
         std::optional<LinkedRun> run;
-        run.emplace(f_DBAuftrag, settings_);
+        run.emplace(f_DBAuftrag, settings_, objectsFile);
         // A false flag of the order database ends the run with its failure text.
         const auto ok = [this](bool flag) { check(flag, f_DBAuftrag); };
 
         ok(f_DBAuftrag.DelAllDiffListe());
         ok(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms));
 
-        QGebDb& geb = ensureGebDb();
-        std::vector<RoomObject> objects;
+        if (gebError)
+            std::rethrow_exception(gebError);
+        // The Soll rows of a room are written by one statement, the room's objects in the order
+        // of their keys, as Quarn answers them for the room; a room without objects gets one row.
+        Database& orderDb = *f_DBAuftrag.database();
+        std::string sollSql;
         CDifferenzlisteRec rec;
         const std::int64_t rooms = f_collRooms.Count();
         std::int64_t done = 0;
@@ -171,22 +232,16 @@ bool frmWork::ReportDifferenzListe()
             ui_.reportStep(step::Soll, done++, rooms);
             if (room.ststatus == "N")
                 continue;
-            if (!geb.GetObjectsOfRoom(room.lIdRB, objects))
-                throw Failure(geb.LastError());
-            if (objects.empty()) {
+            if (sollSql.empty()) {
+                run->objects();
+                sollSql = "INSERT INTO T_Differenzliste (lRaumID, stSollInvNR, stBeschreibung, stArtNr, stTyp) "
+                          "SELECT ?2, q.stName, q.stBeschreibung, q.stArtNr, ?3 FROM (" +
+                          geb->ObjectsOfRoomQuery(kObjectsSchema) + ") AS q ORDER BY q.lId";
+            }
+            if (orderDb.execute(sollSql, {std::int64_t{room.lIdRB}, std::int64_t{room.lID}, std::string(kTyp3b)}) == 0) {
                 // Every room is listed, also one where Quarn expects nothing.
                 rec.Init();
                 rec.lRaumID = room.lID;
-                ok(f_DBAuftrag.AddNewDifferenzlisteRec(&rec));
-                continue;
-            }
-            for (const RoomObject& object : objects) {
-                rec.Init();
-                rec.lRaumID = room.lID;
-                rec.stSollInvNR = object.stName;
-                rec.stBeschreibung = object.stBeschreibung;
-                rec.stArtNr = object.stArtNr;
-                rec.stTyp = kTyp3b;
                 ok(f_DBAuftrag.AddNewDifferenzlisteRec(&rec));
             }
         }

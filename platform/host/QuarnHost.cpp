@@ -3,6 +3,7 @@
 #include "Database.h"
 #include "HostMirror.h"
 #include "JetCollation.h"
+#include "SqlName.h"
 
 namespace qi {
 
@@ -199,6 +200,24 @@ bool QGebDb::GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string
     }
     names.clear();
     return false;
+}
+
+std::string QGebDb::ObjectsFile()
+{
+    if (!obj_)
+        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    return obj_->path();
+}
+
+std::string QGebDb::ObjectsOfRoomQuery(const std::string& schema) const
+{
+    const std::string p = sqlName(schema) + "." + std::string(moduleSql(prefix_, [](const std::string& t) {
+                              return t;
+                          }));
+    return "SELECT o.lId AS lId, coalesce(o.stName, '') AS stName, coalesce(o.stBeschreibung, '') AS stBeschreibung, "
+           "coalesce(a.stArtNr, '') AS stArtNr FROM " +
+           p + "Objekt o LEFT JOIN " + p + "Artikel a ON a.lId = o.lArtikelId WHERE o.lGebstruId = ?1 AND " +
+           kStandingInRoom;
 }
 
 // ---------------------------------------------------------------- QObjektDb

@@ -91,6 +91,13 @@ public:
     /// takes them, in the same order), by room id; rooms without objects have no entry. Needs
     /// OpenObjects; false with LastError when the objects are not open or the query fails.
     bool GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string>>& names);
+    /// The file of the object database (its mirror), for a connection that attaches it; throws
+    /// DbError (LastError's text) when the objects are not open.
+    std::string ObjectsFile();
+    /// GetObjectsOfRoom as a query for a connection to which ObjectsFile() is attached as `schema`:
+    /// the columns lId, stName, stBeschreibung and stArtNr (texts, empty where Null), the room id
+    /// as ?1; the caller orders by lId. Throws DbError for a table prefix that is none of Quarn's.
+    std::string ObjectsOfRoomQuery(const std::string& schema) const;
 
 private:
     /// The open building database; throws DbError (LastError's text) when not open.
