@@ -15,6 +15,7 @@
 #include "QuarnRooms.h"
 #include "RolledBackCopy.h"
 #include "ScriptedUserInteraction.h"
+#include "SqlName.h"
 #include "Settings.h"
 #include "Startup.h"
 
@@ -207,7 +208,7 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
     // The orders' rows go in first and their indexes are made afterwards, at once.
     const Recordset indexes = result->query("SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql <> ''");
     for (const auto& index : indexes.rows())
-        result->execute("DROP INDEX " + toText(index[0]));
+        result->execute("DROP INDEX " + sqlName(toText(index[0])));
     QuarnRooms quarn(gebDb);
 
     // One step per order, then the lists across orders and the coverage of the building structure.
@@ -252,8 +253,9 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, const O
 {
     std::string error;
     const std::unique_ptr<QGebDb> geb = openBuildingComponent(settings, &error);
-    if (!error.empty() || !geb->IsOpen())
-        throw std::runtime_error(error.empty() ? "Die Gebäudedaten von Quarn können nicht geöffnet werden." : error);
+    if (!error.empty())
+        throw std::runtime_error(error);
+    // A component that is not open says so when the rooms are asked for.
     return computeProjectResult(settings, *geb, options);
 }
 
