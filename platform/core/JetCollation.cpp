@@ -85,6 +85,9 @@ struct German {
     UCollator* collator = nullptr;
     /// Rank of each printable ASCII character (0x20..0x7E, folded) in the collator's order.
     std::array<unsigned char, 128> rank{};
+    /// True when digits and letters rank as their folded codes order them ("0" < "9" < "a" < "z"),
+    /// each of its own rank.
+    bool alnumByCode = false;
 
     German()
     {
@@ -112,6 +115,10 @@ struct German {
         }
         for (char32_t c = 'A'; c <= 'Z'; ++c)
             rank[c] = rank[fold(c)];
+        const std::string_view alnum = "0123456789abcdefghijklmnopqrstuvwxyz";
+        alnumByCode = true;
+        for (std::size_t k = 1; k < alnum.size(); ++k)
+            alnumByCode = alnumByCode && rank[std::size_t(alnum[k - 1])] < rank[std::size_t(alnum[k])];
     }
 };
 
@@ -158,6 +165,8 @@ private:
 
 bool printableAscii(unsigned char c) { return c >= 0x20 && c < 0x7F; }
 
+bool asciiAlnum(unsigned char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
+
 int collate(void*, int lenA, const void* a, int lenB, const void* b)
 {
     return jetCompare(std::string_view(static_cast<const char*>(a), std::size_t(lenA)),
@@ -193,19 +202,37 @@ int jetCompare(std::string_view a, std::string_view b)
 {
     a = trimTrailingBlanks(a);
     b = trimTrailingBlanks(b);
+    const German& g = german();
+    // The common case of numbers and names in plain ASCII: past the bytes both texts share, the
+    // first two different digits or letters of different letters decide, as their ranks would
+    // below; the same bytes are the same text.
+    const std::size_t n = std::min(a.size(), b.size());
+    std::size_t same = 0;
+    while (same < n && a[same] == b[same] && printableAscii(static_cast<unsigned char>(a[same])))
+        ++same;
+    if (same < n) {
+        const auto ca = static_cast<unsigned char>(a[same]);
+        const auto cb = static_cast<unsigned char>(b[same]);
+        if (g.alnumByCode && asciiAlnum(ca) && asciiAlnum(cb)) {
+            const char32_t fa = fold(ca), fb = fold(cb);
+            if (fa != fb)
+                return fa < fb ? -1 : 1;
+        }
+    } else if (a.size() == b.size()) {
+        return 0;
+    }
     // The same bytes are the same text (an index of few distinct texts compares them most often).
     if (a == b)
         return 0;
-    const German& g = german();
     if (!g.collator)
         return codePointCompare(a, b);
     // Printable ASCII: the ranks decide, character by character. The first two characters of
     // different rank, after characters of the same rank, are a difference of their base letters,
     // which no character after them can undo (an accent weighs only where the base letters are
     // the same); other characters before it leave the decision to the collator.
-    const std::size_t n = std::min(a.size(), b.size());
+    // The shared printable bytes are of the same rank: the walk begins after them.
     int result = 0;
-    std::size_t i = 0;
+    std::size_t i = same;
     for (; i < n; ++i) {
         const auto ca = static_cast<unsigned char>(a[i]);
         const auto cb = static_cast<unsigned char>(b[i]);

@@ -267,3 +267,27 @@ TEST(JetCollation, FoldKeysAreTheSameExactlyForEqualTexts)
         for (const std::string& b : texts)
             ASSERT_EQ(jetFoldKey(a) == jetFoldKey(b), jetEqual(a, b)) << a << " / " << b;
 }
+
+TEST(JetCollation, NumbersAndNamesOfDigitsAndLettersAgreeWithTheFullComparison)
+{
+    // Inventory numbers and room numbers: digits and letters of either case, a few dashes,
+    // dots and blanks, and now and then an umlaut after the first difference.
+    const std::string chars = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ-. ";
+    std::mt19937 rng(23);
+    std::uniform_int_distribution<int> pick(0, int(chars.size()) - 1), len(0, 6), coin(0, 9);
+    for (int n = 0; n < 20000; ++n) {
+        std::string prefix;
+        for (int k = len(rng); k > 0; --k)
+            prefix += chars[std::size_t(pick(rng))];
+        std::string a = prefix, b = prefix;
+        for (std::string* t : {&a, &b}) {
+            for (int k = len(rng); k > 0; --k)
+                *t += coin(rng) == 0 ? std::string("ü") : std::string(1, chars[std::size_t(pick(rng))]);
+        }
+        ASSERT_EQ(sign(jetCompare(a, b)), sign(detail::jetCompareUnicode(a, b))) << a << " / " << b;
+        ASSERT_EQ(sign(jetCompare(b, a)), -sign(jetCompare(a, b))) << a << " / " << b;
+    }
+    EXPECT_LT(jetCompare("INV-0099", "inv-0100"), 0);
+    EXPECT_LT(jetCompare("A9", "AB"), 0);
+    EXPECT_EQ(jetCompare("inv-0100  ", "INV-0100"), 0);
+}
