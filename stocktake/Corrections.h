@@ -78,6 +78,20 @@ struct ReviewedProposal {
 /// Klären), then by inventory number. Rooms that no order checked produce none.
 std::vector<Proposal> makeProposals(Database& result);
 
+/// The decisions database's path in the project folder (the system's form, with backslashes).
+std::string correctionsPath(const Settings& settings);
+
+/// The person who decides: the name of the user running this program (as the project lock
+/// names the user who holds a project).
+std::string correctionPerson();
+
+/// The messages of the decisions database (German, as the user reads them).
+std::string cannotOpenCorrectionsMessage(const std::string& path, const std::string& reason);
+std::string cannotCreateCorrectionsMessage(const std::string& path, const std::string& reason);
+std::string readOnlyCorrectionsMessage();
+std::string unknownProposalMessage(const std::string& art, const std::string& invNr);
+std::string unknownDecisionMessage(const std::string& entscheidung);
+
 /// The decisions database of a project.
 class CorrectionDecisions {
 public:
