@@ -146,6 +146,11 @@ void frmFehler::showEvent(QShowEvent* event)
     QDialog::showEvent(event);
 }
 
+void frmFehler::reject()
+{
+    // Only pbOk ends the dialog (accept); the import waits for the user's decision.
+}
+
 void frmFehler::optionClicked() { pbOk->setEnabled(true); }
 
 void frmFehler::timerTick()

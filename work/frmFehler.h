@@ -25,8 +25,8 @@ public:
     /// Sets the nine value labels.
     void setInfo(const ConflictInfo& info);
 
-    /// True when the second occurrence replaces the first; set by pbOk, false otherwise
-    /// (also when the window is closed by its close button).
+    /// True when the second occurrence replaces the first; set by pbOk. The dialog ends
+    /// only through pbOk: its close button and Escape leave it waiting for the choice.
     bool bVerwerfen = false;
 
     QLabel* lbMessage;
@@ -42,6 +42,10 @@ public:
     QRadioButton* opVerwerfen;
     QPushButton* pbOk;
     QTimer* Timer1;
+
+public slots:
+    /// Closing and Escape decide nothing: the dialog stays until a choice is confirmed with pbOk.
+    void reject() override;
 
 protected:
     /// Activation: neither option is chosen, pbOk is disabled until one is.

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "TestSupport.h"
 
 #include <QApplication>
@@ -15,6 +17,7 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QKeyEvent>
 #include <QRadioButton>
 #include <QTimer>
 
@@ -32,6 +35,13 @@ QString text(const frmFehler& f, const char* name)
 {
     const auto* l = f.findChild<QLabel*>(QString::fromLatin1(name));
     return l ? l->text() : QStringLiteral("<fehlt>");
+}
+
+/// Escape pressed in the dialog.
+void escape(QWidget& w)
+{
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(&w, &press);
 }
 
 class FrmFehlerTest : public ::testing::Test {
@@ -105,15 +115,55 @@ TEST_F(FrmFehlerTest, VerwerfenThenOkDiscardsTheFirst)
     EXPECT_TRUE(f.bVerwerfen);
 }
 
-TEST_F(FrmFehlerTest, CloseButtonKeepsTheFirst)
+TEST_F(FrmFehlerTest, NeitherTheCloseButtonNorEscapeDecides)
 {
     frmFehler f;
     f.show();
-    f.opVerwerfen->click();
     QCloseEvent close;
     QApplication::sendEvent(&f, &close);
-    EXPECT_FALSE(f.isVisible());
+    EXPECT_TRUE(f.isVisible());
+    escape(f);
+    EXPECT_TRUE(f.isVisible());
+    f.close();
+    EXPECT_TRUE(f.isVisible());
+    // A choice made, still only OK ends the dialog.
+    f.opVerwerfen->click();
+    escape(f);
+    f.close();
+    EXPECT_TRUE(f.isVisible());
     EXPECT_FALSE(f.bVerwerfen);
+    f.pbOk->click();
+    EXPECT_FALSE(f.isVisible());
+    EXPECT_TRUE(f.bVerwerfen);
+    EXPECT_EQ(f.result(), QDialog::Accepted);
+}
+
+TEST_F(FrmFehlerTest, TheModalDialogWaitsForAChoiceAndOk)
+{
+    QtUserInteraction ui;
+    installFrmFehler(ui);
+    int tries = 0;
+    std::function<void()> step = [&] {
+        frmFehler* f = qobject_cast<frmFehler*>(QApplication::activeModalWidget());
+        if (!f) {
+            QTimer::singleShot(0, step);
+            return;
+        }
+        ++tries;
+        if (tries == 1) {
+            f->close();
+            escape(*f);
+            f->reject();
+        } else {
+            f->opVerwerfen->click();
+            f->pbOk->click();
+            return;
+        }
+        QTimer::singleShot(0, step);
+    };
+    QTimer::singleShot(0, step);
+    EXPECT_TRUE(ui.resolveConflict(sample()));
+    EXPECT_EQ(tries, 2);
 }
 
 TEST_F(FrmFehlerTest, TimerStopsOnceAChoiceIsMade)
@@ -121,7 +171,7 @@ TEST_F(FrmFehlerTest, TimerStopsOnceAChoiceIsMade)
     frmFehler f;
     f.show();
     f.opBehalten->click();
-    QTimer::singleShot(700, &f, [&] { f.close(); });
+    QTimer::singleShot(700, &f, [&] { f.pbOk->click(); });
     while (f.isVisible())
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     EXPECT_FALSE(f.Timer1->isActive());
