@@ -30,7 +30,7 @@ constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N
 
 constexpr const char* kInsertRoom =
     "INSERT INTO P_Raum (stAuftrag, lRaumID, lIdRB, stRaumNr, stBezeichnung, stStatus, iErwartet, iAmPlatz, "
-    "iGescannt, dProzent, stLetzterScan) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)";
+    "iGescannt, dProzent, stLetzterScan, stGebaeudeteil) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)";
 constexpr const char* kInsertScan = "INSERT INTO P_Scan (stAuftrag, stInvNr, stRaum, stArtNr, Datum, Uhrzeit, "
                                     "stZeit, stDatei) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
 constexpr const char* kInsertDiff =
@@ -167,7 +167,7 @@ void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, 
         const RoomScans& s = scanned == perRoom.end() ? none : scanned->second;
         insert(result, kInsertRoom,
                {h.stAuftrag, lID, std::int64_t(lIdRB), nr, quarn.nameOf(lIdRB), status, erwartet, amPlatz, s.count,
-                percent(amPlatz, erwartet), s.last});
+                percent(amPlatz, erwartet), s.last, quarn.partOf(lIdRB)});
         ++f.raeume;
         if (jetEqual(status, "N"))
             ++f.raeumeN;

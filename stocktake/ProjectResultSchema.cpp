@@ -55,7 +55,7 @@ void createProjectResultSchema(Database& db)
                             "i2a", "i2b", "i2c", "i3a", "i3b", "dProzent", "dRaeumeFertig", "stLetzterScan",
                             "stFehler"}) +
         table("P_Raum", {"stAuftrag", "lRaumID", "lIdRB", "stRaumNr", "stBezeichnung", "stStatus", "iErwartet",
-                         "iAmPlatz", "iGescannt", "dProzent", "stLetzterScan"}) +
+                         "iAmPlatz", "iGescannt", "dProzent", "stLetzterScan", "stGebaeudeteil"}) +
         "CREATE INDEX P_Raum_stRaumNr ON P_Raum (stRaumNr);\n"
         "CREATE INDEX P_Raum_lIdRB ON P_Raum (lIdRB);\n" +
         table("P_Scan", {"stAuftrag", "stInvNr", "stRaum", "stArtNr", "Datum", "Uhrzeit", "stZeit", "stDatei"}) +

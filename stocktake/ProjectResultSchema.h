@@ -22,7 +22,8 @@
 //  P_Raum      stAuftrag, lRaumID (T_Raum.lID), lIdRB, stRaumNr, stBezeichnung (Quarn's room name),
 //              stStatus ("N", "E", "L"), iErwartet (Quarn's objects standing in the room),
 //              iAmPlatz ("1 OK" rows of the room), iGescannt (scan lines of the room),
-//              dProzent, stLetzterScan.
+//              dProzent, stLetzterScan, stGebaeudeteil (the building and floor above the room in
+//              Quarn's building structure, "Hauptgebäude / Erdgeschoss"; '' where it has none).
 //  P_Scan      stAuftrag, stInvNr, stRaum, stArtNr, Datum, Uhrzeit, stZeit, stDatei (name of the
 //              scanner file, from T_Dateien by lDatID).
 //  P_Diff      stAuftrag, stRaumNr (the room of lRaumID), stSollInvNR, stIstInvNR, stTyp,

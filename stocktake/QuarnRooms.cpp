@@ -20,6 +20,42 @@ QuarnRooms::QuarnRooms(QGebDb& geb)
     for (auto& [room, numbers] : objects_)
         std::sort(numbers.begin(), numbers.end(),
                   [](const std::string& a, const std::string& b) { return jetCompare(a, b) < 0; });
+    // The building part of each room: the building and floor nodes above it. A structure that
+    // can't be read leaves the rooms without one.
+    if (const std::optional<GebStruktur> structure = geb.GetGebStruktur(1)) {
+        std::map<std::int32_t, const GebNode*> nodes;
+        for (const GebNode& node : structure->nodes)
+            nodes.emplace(node.lId, &node);
+        const auto nameOfNode = [](const GebNode& n) { return n.stBezeichnung.empty() ? n.stNr : n.stBezeichnung; };
+        for (const GebRoom& room : rooms_) {
+            std::string building, floor;
+            const auto self = nodes.find(room.lId);
+            std::int32_t parent = self == nodes.end() ? 0 : self->second->lParentId;
+            // A structure is a few levels deep; the bound keeps a broken one (a loop) from hanging.
+            for (int depth = 0; parent != 0 && depth < 16; ++depth) {
+                const auto it = nodes.find(parent);
+                if (it == nodes.end())
+                    break;
+                const GebNode& n = *it->second;
+                if (n.byTyp == 3 && floor.empty())
+                    floor = nameOfNode(n);
+                else if (n.byTyp == 2 && building.empty())
+                    building = nameOfNode(n);
+                parent = n.lParentId;
+            }
+            std::string part = building;
+            if (!floor.empty())
+                part += (part.empty() ? "" : " / ") + floor;
+            if (!part.empty())
+                parts_.emplace(room.lId, std::move(part));
+        }
+    }
+}
+
+std::string QuarnRooms::partOf(std::int32_t lIdRB) const
+{
+    const auto it = parts_.find(lIdRB);
+    return it == parts_.end() ? std::string() : it->second;
 }
 
 QuarnRooms::~QuarnRooms() = default;

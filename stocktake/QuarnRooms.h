@@ -29,11 +29,15 @@ public:
     /// The numbers of the objects that stand in the room (as the evaluation takes them), sorted
     /// as the order databases sort texts; none for a room Quarn doesn't have.
     const std::vector<std::string>& objectsOf(std::int32_t lIdRB) const;
+    /// The building and floor above the room in the building structure ("Hauptgebäude /
+    /// Erdgeschoss"; a node's name, else its number); empty where the structure has none.
+    std::string partOf(std::int32_t lIdRB) const;
 
 private:
     std::vector<GebRoom> rooms_;
     std::map<std::int32_t, std::string> names_;
     std::map<std::int32_t, std::vector<std::string>> objects_;
+    std::map<std::int32_t, std::string> parts_;
 };
 
 } // namespace qi
