@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
@@ -149,11 +150,13 @@ void frmRaumWindow::buildWindow()
     layout->addLayout(right, 4);
 
     connect(tvGeb, &QTreeGebStruCtrl::Click, this, [this] { run([this] { form_.tvGeb_Click(); }); });
-    // Walking the tree with the keyboard picks the node as a click does.
+    // Walking the tree with the keyboard picks the node as a click does; a node reached by
+    // the mouse waits for the click (the current node changes while the button is down).
     connect(tvGeb, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item, QTreeWidgetItem*) {
-        if (item && tvGeb->hasFocus())
+        if (item && tvGeb->hasFocus() && !treePressed_)
             run([this] { form_.tvGeb_Click(); });
     });
+    tvGeb->viewport()->installEventFilter(this);
     connect(cbAllRooms, &QCheckBox::clicked, this, [this] { run([this] { form_.cbAllRooms_Click(); }); });
     connect(pbIn, &QPushButton::clicked, this, [this] { run([this] { form_.pbIn_Click(); }); });
     connect(lbRooms, &QListWidget::itemDoubleClicked, this, [this] { run([this] { form_.pbIn_Click(); }); });
@@ -300,6 +303,18 @@ void frmRaumWindow::changeEvent(QEvent* event)
 
 bool frmRaumWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (tvGeb && watched == tvGeb->viewport()) {
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
+            treePressed_ = true;
+            pressedNode_ = tvGeb->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        } else if (event->type() == QEvent::MouseButtonRelease && treePressed_) {
+            treePressed_ = false;
+            // Released on another node than pressed (dragged): there is no click, the node reached counts.
+            QTreeWidgetItem* at = tvGeb->itemAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+            if (at != pressedNode_ && tvGeb->currentItem() && tvGeb->currentItem() == at)
+                run([this] { form_.tvGeb_Click(); });
+        }
+    }
     if (watched == lvRooms && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if ((key == Qt::Key_Return || key == Qt::Key_Enter) && lvRooms->currentItem()) {

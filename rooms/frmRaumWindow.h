@@ -83,6 +83,9 @@ private:
     QSplitter* splitter_ = nullptr;
     bool unloaded_ = false;
     int running_ = 0;
+    /// The mouse button is down on the building tree, and the node it went down on.
+    bool treePressed_ = false;
+    QTreeWidgetItem* pressedNode_ = nullptr;
 };
 
 } // namespace qi

@@ -347,6 +347,56 @@ TEST_F(WindowsTest, RoomWindowSavesTheRoomsInTheOrderTheListShows)
     EXPECT_NE(saved, ascending);
 }
 
+TEST_F(WindowsTest, RoomWindowRunsAClickOnATreeNodeOnce)
+{
+    openDemoOrder();
+    int runs = 0, floorRuns = 0;
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        // Every run of tvGeb_Click on a selected node unticks "all rooms"; on a floor it lists its rooms.
+        const auto unticked = w.form().onAllRoomsChanged;
+        w.form().onAllRoomsChanged = [&, unticked] {
+            ++runs;
+            unticked();
+        };
+        const auto listed = w.form().onRoomLinesChanged;
+        w.form().onRoomLinesChanged = [&, listed] {
+            ++floorRuns;
+            listed();
+        };
+        w.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
+        QTreeWidgetItem* floor = w.tvGeb->ItemOfNode(firstFloor());
+        ASSERT_NE(floor, nullptr);
+        QTreeWidgetItem* building = floor->parent();
+        ASSERT_NE(building, nullptr);
+        w.tvGeb->scrollToItem(floor);
+        const auto click = [&](QTreeWidgetItem* item) {
+            QTest::mouseClick(w.tvGeb->viewport(), Qt::LeftButton, {}, w.tvGeb->visualItemRect(item).center());
+        };
+        click(floor);
+        EXPECT_EQ(w.tvGeb->currentItem(), floor);
+        EXPECT_EQ(w.lbRooms->count(), 6);
+        EXPECT_EQ(runs, 1);
+        EXPECT_EQ(floorRuns, 1);
+        // From the floor to its building: once, with the building (the floor's rooms are not listed again).
+        click(building);
+        EXPECT_EQ(w.tvGeb->currentItem(), building);
+        EXPECT_EQ(runs, 2);
+        EXPECT_EQ(floorRuns, 1);
+        // A click on the node that is current already runs it once as well.
+        click(building);
+        EXPECT_EQ(runs, 3);
+        // Walking the tree with the keyboard runs it once per node reached.
+        EXPECT_TRUE(w.tvGeb->hasFocus());
+        w.tvGeb->setCurrentItem(floor);
+        EXPECT_EQ(runs, 4);
+        EXPECT_EQ(floorRuns, 2);
+        w.Unload();
+    });
+    work()->pbRooms->click();
+    EXPECT_EQ(runs, 4);
+}
+
 TEST_F(WindowsTest, RoomWindowWorksFromTheKeyboard)
 {
     openDemoOrder();
