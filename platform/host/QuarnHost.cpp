@@ -235,7 +235,9 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
 {
     if (!db_)
         throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
-    if (batches_ > 0) {
+    // A batch of a few lookups (the evaluation completing its surplus rows) asks the number's
+    // index; the map of all objects pays only for the many lookups of a scanner file.
+    if (batches_ > 0 && (mapped_ || ++batchLookups_ > kLookupsBeforeMap)) {
         if (!mapped_ || mappedPrefix_ != prefix_)
             readAllObjects();
         const auto found = byKey_.find(jetFoldKey(invNr));

@@ -125,8 +125,8 @@ public:
     bool IsOpen() const { return db_ != nullptr; }
     /// The object with that inventory number (compared like Jet text: case and trailing blanks ignored),
     /// or nothing. Throws DbError when not open (with the open's failure text) or when the query fails.
-    /// Inside a LookupBatch the answer comes from a map of all of the module's objects, read at the
-    /// batch's first lookup and kept while the object database stays as it was.
+    /// Inside LookupBatches, past their first few thousand lookups, the answer comes from a map of all
+    /// of the module's objects, read then and kept while the object database stays as it was.
     std::optional<HostObject> FindByInvNr(const std::string& invNr);
 
     /// Many lookups in a row (a whole scanner file): while the object lives, the
@@ -152,6 +152,9 @@ private:
     std::string lastError_;
     /// Open LookupBatch objects.
     int batches_ = 0;
+    /// Lookups inside batches answered by a query; the map is read once they are more than kLookupsBeforeMap.
+    static constexpr int kLookupsBeforeMap = 2000;
+    int batchLookups_ = 0;
     /// The module's objects by jetFoldKey of their number; valid while mapped_ is true.
     std::unordered_map<std::string, HostObject> byKey_;
     bool mapped_ = false;
