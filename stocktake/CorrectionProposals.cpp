@@ -261,9 +261,10 @@ std::vector<Proposal> relocate(Database& result, const CheckedRooms& rooms, cons
 std::vector<Proposal> record(Database& result, const CheckedRooms& rooms, const std::set<std::string>& taken)
 {
     std::vector<Proposal> proposals;
-    const bool withNames = result.tableInfo("L_Unbekannt").column("stBeschreibung") >= 0;
-    const Recordset rows = result.query(std::string("SELECT stInvNr, stArtNr, stAuftraege, stRaum, Datum, ") +
-                                        (withNames ? "stBeschreibung" : "''") + " FROM L_Unbekannt ORDER BY rowid");
+    const Recordset rows = result.query(
+        "SELECT u.stInvNr, u.stArtNr, u.stAuftraege, u.stRaum, u.Datum, coalesce((SELECT a.stBeschreibung FROM P_Artikel "
+        "AS a WHERE a.stArtNr = u.stArtNr AND u.stArtNr <> '' ORDER BY a.rowid LIMIT 1), '') FROM L_Unbekannt AS u "
+        "ORDER BY u.rowid");
     for (const auto& r : rows.rows()) {
         Proposal p;
         p.invNr = text(r[0]);

@@ -1,5 +1,6 @@
 #include "ProjectOverview.h"
 
+#include "ArticleNames.h"
 #include "CInventurDb.h"
 #include "CrossOrderLists.h"
 #include "DifferenceListState.h"
@@ -234,6 +235,7 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
         makeCrossOrderLists(*result);
         tx.commit();
     }
+    fillArticleNames(*result, gebDb, settings.tablePrefix());
     ++done;
 
     next("Räume der Gebäudestruktur");

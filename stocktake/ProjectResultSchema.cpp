@@ -74,7 +74,8 @@ void createProjectResultSchema(Database& db)
         table("L_Fehlend", {"stInvNr", "stBeschreibung", "stArtNr", "stAuftrag", "stRaum"}) +
         table("L_Ungeprueft", {"lIdRB", "stRaumNr", "stBezeichnung", "iErwartet", "stPruefung"}) +
         table("L_Ueberschneidung", {"lIdRB", "stRaumNr", "stBezeichnung", "stAuftraege", "iAuftraege"}) +
-        table("L_Hinweis", {"stAuftrag", "stArt", "stText", "stDatei"});
+        table("L_Hinweis", {"stAuftrag", "stArt", "stText", "stDatei"}) +
+        table("P_Artikel", {"stArtNr", "stBeschreibung"});
     Database::Transaction tx(db);
     db.executeScript(sql);
     tx.commit();

@@ -51,6 +51,11 @@
 //  L_Hinweis         ("hinweise") what needs attention: stAuftrag ('' for files without an
 //                    order), stArt (kHinweis... below), stText (a German sentence saying what
 //                    and where), stDatei.
+//
+// Quarn's names of the articles that the scans of L_Unbekannt carry:
+//
+//  P_Artikel   stArtNr, stBeschreibung (the article's name in Quarn; '' where Quarn has no article of
+//              that number): one row per article number of L_Unbekannt.
 
 #include <string>
 #include <vector>
