@@ -1,5 +1,7 @@
 #include "ProjectReports.h"
 
+#include "CorrectionProtocol.h"
+#include "ReportError.h"
 #include "ReportFiles.h"
 #include "Settings.h"
 
@@ -9,9 +11,10 @@ namespace qi {
 
 namespace {
 
-constexpr std::array<ProjectReport, 2> kProjectReports{{
+constexpr std::array<ProjectReport, 3> kProjectReports{{
     {"gesamtauswertung", "invgesamt.rpt", "Gesamtauswertung"},
     {"fortschritt", "invfortschritt.rpt", "Fortschritt"},
+    {"protokoll", "invprotokoll.rpt", "Inventurprotokoll", putReviewedProposals},
 }};
 
 } // namespace
@@ -46,6 +49,16 @@ std::unique_ptr<Report> openProjectReport(const Settings& settings, Database& re
     options.orderName = kAllOrders;
     options.projectFolder = settings.gstProjektPfad;
     options.printDate = printDate;
+    if (report.prepare) {
+        // What it can't read is told as any report whose rows can't be read.
+        try {
+            report.prepare(settings, result);
+        } catch (const ReportError&) {
+            throw;
+        } catch (const std::exception& e) {
+            throw ReportError(e.what());
+        }
+    }
     return Report::over(projectReportFile(settings, report), result, std::string(report.title), options);
 }
 

@@ -4,7 +4,8 @@
 // room). Their report files lie in the project's "Report" folder like every report, or in
 // the template folder's when the project has none; they read a project result
 // (ProjectResultSchema.h) instead of the report database of an order. The command line
-// writes them to files, the overview window shows them in the preview.
+// writes them to files, the overview window shows them in the preview. "Inventurprotokoll"
+// also reads the proposals of the correction list with their decisions (CorrectionProtocol.h).
 
 #include "Report.h"
 
@@ -23,6 +24,9 @@ struct ProjectReport {
     std::string_view name;  ///< as the command line names it ("gesamtauswertung")
     std::string_view file;  ///< its report file in "Report\" ("invgesamt.rpt")
     std::string_view title; ///< the preview window's title and the files' document title
+    /// What the report reads besides the project's figures, put into the project result before
+    /// it runs (the protocol: the correction list's proposals with their decisions); or null.
+    void (*prepare)(const Settings& settings, Database& result) = nullptr;
 };
 
 /// The reports of the project, in menu order.
@@ -40,7 +44,7 @@ inline constexpr const char* kAllOrders = "alle Aufträge";
 std::string projectReportFile(const Settings& settings, const ProjectReport& report);
 
 /// The report ready for the preview (or printing), its rows read from the project result
-/// `result`, which stays unchanged. `printDate` empty: now. ReportError for a report file
+/// `result`, which stays unchanged but for what the report's `prepare` puts into it. `printDate` empty: now. ReportError for a report file
 /// that is missing or wrong, or rows that can't be read.
 std::unique_ptr<Report> openProjectReport(const Settings& settings, Database& result, const ProjectReport& report,
                                           const std::string& printDate = {});

@@ -1,3 +1,4 @@
+#include "PlainTables.h"
 #include "Report.h"
 #include "ReportOutputFile.h"
 
@@ -65,6 +66,26 @@ void Report::writeCsv(const std::string& path) const
         }
         endLine();
     }
+    file.write(out);
+    file.close();
+}
+
+void writePlainCsv(const std::string& path, const PlainTable& table)
+{
+    ReportOutputFile file(path);
+    std::string out = "\xEF\xBB\xBF";
+    auto line = [&](const std::vector<std::string>& cells) {
+        for (std::size_t c = 0; c < cells.size(); ++c)
+            out += (c ? ";" : "") + csvField(cells[c]);
+        out += "\r\n";
+        if (out.size() > (1 << 20)) {
+            file.write(out);
+            out.clear();
+        }
+    };
+    line(table.headings);
+    for (const auto& row : table.rows)
+        line(row);
     file.write(out);
     file.close();
 }

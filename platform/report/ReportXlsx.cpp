@@ -1,5 +1,6 @@
 #include "AtomicFile.h"
 #include "FileSystem.h"
+#include "PlainTables.h"
 #include "Report.h"
 #include "ReportError.h"
 #include "SystemError.h"
@@ -338,6 +339,52 @@ void Report::writeXlsx(const std::string& path) const
             worksheet_write_number(ws, row, 1, line.number, nullptr);
             ++row;
         }
+    }
+    sheet.close();
+}
+
+void writePlainWorkbook(const std::string& path, const std::string& title, const std::vector<PlainTable>& tables)
+{
+    for (const PlainTable& t : tables)
+        if (t.rows.size() + 1 > kMaxRows)
+            throw ReportError("Der Bericht hat zu viele Zeilen für eine Excel-Tabelle (höchstens 1.048.576).");
+    SheetWriter sheet(path);
+    lxw_workbook* wb = sheet.wb();
+    std::string documentTitle = cellString(title);
+    lxw_doc_properties properties{};
+    properties.title = documentTitle.data();
+    workbook_set_properties(wb, &properties);
+    lxw_format* headingFormat = workbook_add_format(wb);
+    format_set_bold(headingFormat);
+    format_set_bg_color(headingFormat, 0xE1E7ED);
+    format_set_bottom(headingFormat, LXW_BORDER_THIN);
+    format_set_font_name(headingFormat, "Arial");
+    format_set_font_size(headingFormat, 10);
+    lxw_format* textFormat = workbook_add_format(wb);
+    format_set_font_name(textFormat, "Arial");
+    format_set_font_size(textFormat, 10);
+    format_set_num_format(textFormat, "@");
+
+    for (const PlainTable& t : tables) {
+        const std::string name = sheetName(t.name);
+        lxw_worksheet* ws = workbook_add_worksheet(wb, name.c_str());
+        if (!ws)
+            sheet.fail();
+        // With constant memory the widths come before the rows: each column as wide as its longest text.
+        for (std::size_t c = 0; c < t.headings.size(); ++c) {
+            qsizetype width = QString::fromStdString(t.headings[c]).size();
+            for (const auto& row : t.rows)
+                if (c < row.size())
+                    width = std::max(width, QString::fromStdString(row[c]).size());
+            worksheet_set_column(ws, lxw_col_t(c), lxw_col_t(c), std::clamp(double(width) + 2, 8.0, 60.0), nullptr);
+        }
+        for (std::size_t c = 0; c < t.headings.size(); ++c)
+            worksheet_write_string(ws, 0, lxw_col_t(c), cellString(t.headings[c]).c_str(), headingFormat);
+        worksheet_freeze_panes(ws, 1, 0);
+        for (std::size_t r = 0; r < t.rows.size(); ++r)
+            for (std::size_t c = 0; c < t.rows[r].size(); ++c)
+                worksheet_write_string(ws, lxw_row_t(r + 1), lxw_col_t(c), cellString(t.rows[r][c]).c_str(),
+                                       textFormat);
     }
     sheet.close();
 }

@@ -268,7 +268,7 @@ TEST_F(CliProjectTest, WrongCallsOfTheProjectCommandsEndWithTheUsageCode)
                      "qinventur-cli " + synopsis + "\nHilfe: qinventur-cli bericht --help\n");
     r = expectCli(2, {"bericht", "--projekt-weit", "inventur", "--ausgabe", root.file("x.pdf")});
     EXPECT_EQ(r.err, "[qinventur-cli] Einen Projektbericht 'inventur' gibt es nicht. Projektberichte: "
-                     "gesamtauswertung, fortschritt.\n");
+                     "gesamtauswertung, fortschritt, protokoll.\n");
     r = expectCli(2, {"bericht", "--projekt-weit", "fortschritt"});
     EXPECT_EQ(r.err, "[qinventur-cli] Es fehlt --ausgabe PFAD.\n");
     r = expectCli(2, {"bericht", "--projekt-weit", "fortschritt", "--ausgabe", root.file("x.txt")});

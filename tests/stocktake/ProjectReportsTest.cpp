@@ -120,17 +120,21 @@ protected:
 
 TEST(ProjectReports, AreKnownByTheirNamesWithTheirFilesAndTitles)
 {
-    ASSERT_EQ(projectReports().size(), 2u);
+    ASSERT_EQ(projectReports().size(), 3u);
     EXPECT_EQ(findProjectReport("gesamtauswertung")->file, "invgesamt.rpt");
     EXPECT_EQ(findProjectReport("gesamtauswertung")->title, "Gesamtauswertung");
     EXPECT_EQ(findProjectReport("fortschritt")->file, "invfortschritt.rpt");
     EXPECT_EQ(findProjectReport("fortschritt")->title, "Fortschritt");
     EXPECT_EQ(findProjectReport("differenz"), nullptr);
     EXPECT_EQ(findProjectReport("Fortschritt"), nullptr);
-    EXPECT_EQ(projectReportNames(), "gesamtauswertung, fortschritt");
+    EXPECT_EQ(findProjectReport("protokoll")->file, "invprotokoll.rpt");
+    EXPECT_EQ(findProjectReport("protokoll")->title, "Inventurprotokoll");
+    EXPECT_NE(findProjectReport("protokoll")->prepare, nullptr);
+    EXPECT_EQ(findProjectReport("fortschritt")->prepare, nullptr);
+    EXPECT_EQ(projectReportNames(), "gesamtauswertung, fortschritt, protokoll");
 }
 
-TEST(ProjectReports, BothReportFilesParseAsSourcesAndAsTheTemplateFoldersCopies)
+TEST(ProjectReports, EveryReportFileParsesAsSourceAndAsTheTemplateFoldersCopy)
 {
     for (const ProjectReport& r : projectReports()) {
         for (const std::string& file : {std::string(QI_SOURCE_DIR) + "/resources/reports/" + std::string(r.file),
@@ -140,7 +144,8 @@ TEST(ProjectReports, BothReportFilesParseAsSourcesAndAsTheTemplateFoldersCopies)
             const ReportDefinition def = parseReportDefinition(readReportFile(file), file);
             EXPECT_EQ(def.title, r.title);
             EXPECT_FALSE(def.sql.empty());
-            EXPECT_TRUE(def.landscape);
+            // The protocol is a document to sign: upright.
+            EXPECT_EQ(def.landscape, r.name != "protokoll");
             EXPECT_EQ(def.groups.size(), 1u);
         }
     }
