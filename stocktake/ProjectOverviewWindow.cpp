@@ -1,5 +1,6 @@
 #include "ProjectOverviewWindow.h"
 
+#include "CorrectionListWindow.h"
 #include "Database.h"
 #include "ListView.h"
 #include "OverviewTables.h"
@@ -158,6 +159,9 @@ void ProjectOverviewWindow::buildWindow()
         button->setEnabled(false);
         pbBerichte.push_back(button);
     }
+    pbKorrekturliste = new QPushButton(QStringLiteral("&Korrekturliste…"), central);
+    pbKorrekturliste->setEnabled(false);
+    top->addWidget(pbKorrekturliste);
     top->addWidget(pgBerechnung, 1);
     top->addWidget(lbStand, 2);
     layout->addLayout(top);
@@ -208,6 +212,8 @@ void ProjectOverviewWindow::buildWindow()
     mnuDatei = menuBar()->addMenu(QStringLiteral("&Datei"));
     mnuAktualisieren = mnuDatei->addAction(QStringLiteral("&Aktualisieren"));
     mnuAktualisieren->setShortcut(QKeySequence(Qt::Key_F5));
+    mnuKorrekturliste = mnuDatei->addAction(QStringLiteral("&Korrekturliste…"));
+    mnuKorrekturliste->setEnabled(false);
     mnuDatei->addSeparator();
     mnuSchliessen = mnuDatei->addAction(QStringLiteral("&Schließen"));
     mnuBerichte = menuBar()->addMenu(QStringLiteral("&Berichte"));
@@ -223,6 +229,8 @@ void ProjectOverviewWindow::buildWindow()
     connect(mnuAktualisieren, &QAction::triggered, this, &ProjectOverviewWindow::refresh);
     connect(pbAbbrechen, &QPushButton::clicked, this, [this] { run_->cancel(); });
     connect(mnuSchliessen, &QAction::triggered, this, &QWidget::close);
+    connect(pbKorrekturliste, &QPushButton::clicked, this, &ProjectOverviewWindow::openCorrectionList);
+    connect(mnuKorrekturliste, &QAction::triggered, this, &ProjectOverviewWindow::openCorrectionList);
     connect(lvAuftraege, &QTreeWidget::currentItemChanged, this, [this] { showRooms(); });
     connect(lvRaeume, &QTreeWidget::currentItemChanged, this, [this] { showObjects(); });
     connect(lvAuftraege, &QTreeWidget::itemDoubleClicked, this, [this] { lvAuftraege_DblClick(); });
@@ -249,6 +257,20 @@ void ProjectOverviewWindow::showReport(const ProjectReport& report)
         ui_.setBusy(false);
         ui_.showError("ProjectOverviewWindow.showReport", e.what());
     }
+}
+
+void ProjectOverviewWindow::openCorrectionList()
+{
+    if (!result_)
+        return;
+    if (!correctionList_) {
+        correctionList_ = new CorrectionListWindow(ui_, settings_, this);
+        correctionList_->setAttribute(Qt::WA_DeleteOnClose);
+        correctionList_->showResult(result_);
+    }
+    correctionList_->show();
+    correctionList_->raise();
+    correctionList_->activateWindow();
 }
 
 bool ProjectOverviewWindow::eventFilter(QObject* watched, QEvent* event)
@@ -361,6 +383,10 @@ void ProjectOverviewWindow::showResult(std::shared_ptr<Database> result)
         button->setEnabled(true);
     for (QAction* action : mnuBerichteFkt)
         action->setEnabled(true);
+    pbKorrekturliste->setEnabled(true);
+    mnuKorrekturliste->setEnabled(true);
+    if (correctionList_)
+        correctionList_->showResult(result_);
     emit resultShown(result_);
 }
 

@@ -7,11 +7,13 @@
 // as the orders hold it, then with the stale orders evaluated afresh; the window stays in use,
 // shows the progress and may stop the computation.
 
+#include "CorrectionListWindow.h"
 #include "OverviewTables.h"
 #include "ProjectResultRun.h"
 #include "Settings.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 #include <map>
@@ -60,6 +62,12 @@ public:
     /// The computation of this window (tests wait for it).
     ProjectResultRun& run() { return *run_; }
 
+    /// Opens the window "Korrekturliste" over the result shown (or brings it to the front);
+    /// it follows every result shown after.
+    void openCorrectionList();
+    /// The window "Korrekturliste" while it is open, else null.
+    CorrectionListWindow* correctionList() const { return correctionList_.data(); }
+
     /// Double click on an order (or the return key): it is opened in the main window.
     void lvAuftraege_DblClick();
 
@@ -90,6 +98,9 @@ public:
     std::vector<QAction*> mnuBerichteFkt;
     QAction* mnuAktualisieren;
     QAction* mnuSchliessen;
+    /// "&Korrekturliste…", as a button and in the menu "&Datei"; in use once a result is shown.
+    QPushButton* pbKorrekturliste;
+    QAction* mnuKorrekturliste;
 
 signals:
     /// A result was shown (its figures may serve others).
@@ -119,6 +130,7 @@ private:
     std::map<const QTreeWidget*, ShownTable> tables_;
     Settings settings_;
     std::function<void(std::int32_t)> openOrder_;
+    QPointer<CorrectionListWindow> correctionList_;
 };
 
 /// The caption of a tab: its title and the number of rows ("Verschoben (3)").
