@@ -2,6 +2,7 @@
 
 #include "MainWindowOverview.h"
 #include "ReportDatabase.h"
+#include "ReturnPressesButtons.h"
 #include "frmMain.h"
 #include "frmRaumWindow.h"
 
@@ -34,6 +35,8 @@ void connectWindows(frmMain& main)
     main.settings().privateReportDatabase = std::make_shared<PrivateReportDatabase>();
     // The menu "&Projekt" with the project overview, and the orders' progress in the order list.
     connectProjectOverview(main);
+    // Return presses a push button in every window, as Space does.
+    installReturnPressesButtons();
 }
 
 } // namespace qi

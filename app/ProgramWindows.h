@@ -15,7 +15,8 @@ RoomWindowFactory roomWindowFactory();
 /// Makes the work window of an opened order, with the room selection plugged in.
 OrderWindowFactory workWindowFactory();
 /// Plugs the work window into the main window, gives the program its private copy of the
-/// report database, which its reports read, and adds the project overview (MainWindowOverview.h).
+/// report database, which its reports read, adds the project overview (MainWindowOverview.h) and
+/// lets Return press push buttons in every window (ReturnPressesButtons.h).
 void connectWindows(frmMain& main);
 
 } // namespace qi

@@ -4,6 +4,12 @@
 
 #include "ProgramFixture.h"
 
+#include "MainWindowOverview.h"
+#include "ProjectOverviewWindow.h"
+#include "frmAbout.h"
+#include "frmAufNeu.h"
+#include "frmFehler.h"
+
 #include "QTreeGebStruCtrl.h"
 #include "ReportMenus.h"
 
@@ -15,6 +21,7 @@
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -417,6 +424,79 @@ TEST_F(WindowsTest, RoomWindowWorksFromTheKeyboard)
     });
     work()->pbRooms->click();
     EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'L'"), 1);
+}
+
+// ------------------------------------------------------------------ every window
+
+/// How often Return on `button` pressed it.
+int pressedByReturn(QPushButton& button)
+{
+    int pressed = 0;
+    const auto c = QObject::connect(&button, &QPushButton::clicked, [&] { ++pressed; });
+    button.setFocus();
+    QTest::keyClick(&button, Qt::Key_Return);
+    QObject::disconnect(c);
+    return pressed;
+}
+
+TEST_F(WindowsTest, ReturnPressesTheFocusedButtonInEveryWindow)
+{
+    openDemoOrder();
+    // The work window (a main window, where Return does not press a button by itself).
+    frmWorkWindow& w = *work();
+    EXPECT_EQ(pressedByReturn(*w.pbAdd), 1);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Zuerst müssen Räume ausgewählt werden!");
+    EXPECT_EQ(pressedByReturn(*w.pbNeu), 1);
+    // Enter on the keypad as well; with Ctrl it is something else.
+    int pressed = 0;
+    const auto c = QObject::connect(w.pbRooms, &QPushButton::clicked, [&] { pressed += 100; });
+    whenModal<frmRaumWindow>([&](frmRaumWindow& r) {
+        // The room selection.
+        EXPECT_EQ(pressedByReturn(*r.pbAllOut), 1);
+        EXPECT_EQ(pressedByReturn(*r.pbFertig), 1);
+        EXPECT_FALSE(r.isVisible());
+    });
+    QTest::keyClick(w.pbRooms, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(pressed, 100);
+    QTest::keyClick(w.pbRooms, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(pressed, 100);
+    QObject::disconnect(c);
+
+    // The project overview (a main window).
+    MainWindowOverview* overview = projectOverviewOf(*main);
+    ASSERT_NE(overview, nullptr);
+    overview->mnuProjektFkt.at(projektmenu::Uebersicht)->trigger();
+    ProjectOverviewWindow* projekt = overview->overview();
+    ASSERT_NE(projekt, nullptr);
+    for (int i = 0; i < 10 && projekt->run().running(); ++i)
+        projekt->run().wait();
+    EXPECT_EQ(pressedByReturn(*projekt->pbAktualisieren), 1);
+    for (int i = 0; i < 10 && projekt->run().running(); ++i)
+        projekt->run().wait();
+    projekt->close();
+
+    // The dialogs.
+    frmAufNeu aufNeu;
+    aufNeu.show();
+    EXPECT_EQ(pressedByReturn(*aufNeu.pbCancel), 1);
+    frmAbout about;
+    about.show();
+    EXPECT_EQ(pressedByReturn(*about.pbOk), 1);
+    EXPECT_FALSE(about.isVisible());
+    frmFehler fehler;
+    fehler.show();
+    fehler.opVerwerfen->click();
+    EXPECT_EQ(pressedByReturn(*fehler.pbOk), 1);
+    EXPECT_FALSE(fehler.isVisible());
+    EXPECT_TRUE(fehler.bVerwerfen);
+    // A disabled button is not pressed.
+    frmFehler waiting;
+    waiting.show();
+    EXPECT_EQ(pressedByReturn(*waiting.pbOk), 0);
+    EXPECT_TRUE(waiting.isVisible());
+    waiting.opBehalten->click();
+    waiting.pbOk->click();
 }
 
 TEST_F(WindowsTest, MnemonicsOfAWindowDoNotClashExceptTheTwoFixedCaptions)
