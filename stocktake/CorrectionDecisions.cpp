@@ -185,7 +185,7 @@ std::vector<ReviewedProposal> CorrectionDecisions::review(const std::vector<Prop
         ReviewedProposal r{p, kOffen, std::nullopt};
         if (const auto it = byKey.find(keyOf(p.art, p.invNr)); it != byKey.end()) {
             r.decision = it->second;
-            r.entscheidung = it->second.beleg == p.beleg ? it->second.entscheidung : std::string(kGeaendert);
+            r.entscheidung = jetEqual(it->second.beleg, p.beleg) ? it->second.entscheidung : std::string(kGeaendert);
         }
         reviewed.push_back(std::move(r));
     }

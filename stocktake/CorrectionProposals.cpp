@@ -31,6 +31,22 @@ namespace {
 
 std::string text(const Value& v) { return toText(v); }
 
+/// The evidence in one text: its parts without trailing blanks (as the comparison sees them).
+std::string evidence(std::initializer_list<std::string> parts, const char* separator = "|")
+{
+    std::string joined;
+    bool first = true;
+    for (std::string part : parts) {
+        while (!part.empty() && part.back() == ' ')
+            part.pop_back();
+        if (!first)
+            joined += separator;
+        joined += part;
+        first = false;
+    }
+    return joined;
+}
+
 /// Texts in the order of the comparison, each once (as the comparison sees them), joined by ", ".
 std::string joinDistinct(std::vector<std::string> texts)
 {
@@ -197,7 +213,7 @@ std::vector<Proposal> clarify(Database& result, const CheckedRooms& rooms)
         p.datum = s.datum;
         p.uhrzeit = s.uhrzeit;
         p.gebaeudeteil = rooms.partOf(s.latestRoom);
-        p.beleg = raeume + "|" + p.auftraege;
+        p.beleg = evidence({raeume, p.auftraege});
         proposals.push_back(std::move(p));
     }
     return proposals;
@@ -251,7 +267,7 @@ std::vector<Proposal> relocate(Database& result, const CheckedRooms& rooms, cons
         if (p.artNr.empty())
             p.artNr = scan.artNr;
         p.gebaeudeteil = rooms.partOf(p.raumNeu);
-        p.beleg = p.raumQuarn + "→" + p.raumNeu + "|" + p.auftraege;
+        p.beleg = evidence({evidence({p.raumQuarn, p.raumNeu}, "→"), p.auftraege});
         proposals.push_back(std::move(p));
     }
     return proposals;
@@ -286,7 +302,7 @@ std::vector<Proposal> record(Database& result, const CheckedRooms& rooms, const 
             p.datei = text(scan.rows().front()[2]);
         }
         p.gebaeudeteil = rooms.partOf(p.raumNeu);
-        p.beleg = p.raumNeu + "|" + p.artNr;
+        p.beleg = evidence({p.raumNeu, p.artNr});
         proposals.push_back(std::move(p));
     }
     return proposals;
@@ -310,7 +326,7 @@ std::vector<Proposal> missing(Database& result, const CheckedRooms& rooms, const
         p.auftraege = text(r[3]);
         p.raeume = p.raumQuarn;
         p.gebaeudeteil = rooms.partOf(p.raumQuarn);
-        p.beleg = p.raumQuarn + "|" + p.auftraege;
+        p.beleg = evidence({p.raumQuarn, p.auftraege});
         proposals.push_back(std::move(p));
     }
     return proposals;
