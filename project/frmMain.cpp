@@ -197,13 +197,29 @@ void frmMain::InitAuftraege()
     for (const CAuftragRec& rec : collAuftraege_) {
         auto* item = new ListViewItem(lvAuftraege);
         item->setData(0, Qt::UserRole, QString::fromStdString(kKeyPrefix + std::to_string(rec.lID)));
-        item->setText(0, QString::fromStdString(rec.stBezeichung));
-        item->setText(1, QString::fromStdString(rec.erstellt.toDisplayText()));
-        item->setText(2, QString::fromStdString(rec.letzte_Aenderung.toDisplayText()));
-        item->setText(3, QString::fromStdString(rec.stErsteller));
+        showOrder(*item, rec);
     }
     sortAgain(*lvAuftraege);
     emit ordersListed();
+}
+
+void frmMain::showOrder(QTreeWidgetItem& item, const CAuftragRec& rec)
+{
+    item.setText(0, QString::fromStdString(rec.stBezeichung));
+    item.setText(1, QString::fromStdString(rec.erstellt.toDisplayText()));
+    item.setText(2, QString::fromStdString(rec.letzte_Aenderung.toDisplayText()));
+    item.setText(3, QString::fromStdString(rec.stErsteller));
+}
+
+void frmMain::showOrdersAgain()
+{
+    // The records hold what opening an order wrote back (its stamp "geändert").
+    for (int i = 0; i < lvAuftraege->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* item = lvAuftraege->topLevelItem(i);
+        if (const CAuftragRec* rec = recordOfItem(item))
+            showOrder(*item, *rec);
+    }
+    sortAgain(*lvAuftraege);
 }
 
 CAuftragRec* frmMain::recordOfItem(const QTreeWidgetItem* item)
@@ -261,6 +277,7 @@ void frmMain::lvAuftraege_DblClick()
         if (!workWindow_)
             throw RunError(kNoObject);
         connect(workWindow_.data(), &OrderWindow::unloaded, this, [this] {
+            showOrdersAgain();
             setActiveState(true);
             update();
             emit orderWindowUnloaded();

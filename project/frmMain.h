@@ -114,6 +114,11 @@ protected:
 
 private:
     void buildWindow();
+    /// Name, stamps and employee of an order in its list entry.
+    static void showOrder(QTreeWidgetItem& item, const CAuftragRec& rec);
+    /// The list's entries anew from the register records in memory (the entries stay, with
+    /// their selection and the columns others add).
+    void showOrdersAgain();
     /// Order name and employee from the new-order dialog (empty name when cancelled).
     std::pair<std::string, std::string> askNewOrder();
     void deleteSelectedOrder();

@@ -426,6 +426,37 @@ TEST_F(WindowsTest, RoomWindowWorksFromTheKeyboard)
     EXPECT_EQ(count(orderFile("Lager"), "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'L'"), 1);
 }
 
+// ------------------------------------------------------------------ the main window
+
+TEST_F(WindowsTest, MainWindowShowsTheOrdersNewStampOnceItsWindowHasClosed)
+{
+    startProgram();
+    newOrder("Lager");
+    // The order was last changed long ago.
+    CAuftragRecColl orders;
+    ASSERT_TRUE(main->inventurDb()->ReadAllAuftragRec2Coll(orders));
+    ASSERT_EQ(orders.Count(), 1);
+    CAuftragRec old = *orders.begin();
+    old.letzte_Aenderung = JetDate::fromParts(2001, 2, 3, 4, 5, 6);
+    ASSERT_TRUE(main->inventurDb()->EditAuftragRec(&old));
+    main->InitAuftraege();
+    QTreeWidgetItem* item = itemWithText(*main->lvAuftraege, QStringLiteral("Lager"));
+    ASSERT_NE(item, nullptr);
+    const QString before = item->text(2);
+    ASSERT_EQ(before.toStdString(), old.letzte_Aenderung.toDisplayText());
+
+    openOrder("Lager");
+    ASSERT_NE(work(), nullptr);
+    work()->Unload();
+    ASSERT_TRUE(main->inventurDb()->ReadAllAuftragRec2Coll(orders));
+    const std::string stamped = orders.begin()->letzte_Aenderung.toDisplayText();
+    ASSERT_NE(stamped, old.letzte_Aenderung.toDisplayText());
+    item = itemWithText(*main->lvAuftraege, QStringLiteral("Lager"));
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->text(2).toStdString(), stamped);
+    EXPECT_EQ(item->text(1).toStdString(), orders.begin()->erstellt.toDisplayText());
+}
+
 // ------------------------------------------------------------------ every window
 
 /// How often Return on `button` pressed it.
