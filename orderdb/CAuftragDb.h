@@ -6,6 +6,7 @@
 #include "RecordDb.h"
 #include "UserInteraction.h"
 
+#include <functional>
 #include <initializer_list>
 #include <string_view>
 
@@ -77,6 +78,12 @@ public:
     bool DelDatInventurRec(CDatInventurRec* rec) { return delRec(rec); }
     bool DelAllDatInventur();
     bool ReadAllDatInventurRec2Coll(CDatInventurRecColl& coll) { return readAllRec2Coll(coll); }
+    /// The scan lines in key order, one at a time (see RecordDb::walkAllRec): `start` once
+    /// the first can be read, then `each` for every line.
+    bool WalkAllDatInventurRec(const std::function<void()>& start, const std::function<void(const CDatInventurRec&)>& each)
+    {
+        return walkAllRec<CDatInventurRec>(start, each);
+    }
 
     // T_Differenzliste
     bool AddNewDifferenzlisteRec(CDifferenzlisteRec* rec) { return addNewRec(rec); }

@@ -10,6 +10,7 @@
 #include "RecColl.h"
 #include "RecordFields.h"
 
+#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -98,6 +99,12 @@ protected:
     /// in the query's order, as readAllRec2Coll reads the whole table.
     template <class Rec>
     bool readQueryRec2Coll(std::string_view sql, CRecColl<Rec>& coll);
+    /// Walks the record's table in key order one record at a time, without reading it into
+    /// memory: `start` once the first row is read (or the table is found empty), then `each`
+    /// for every record. A failure of reading answers false with LastError set as
+    /// readAllRec2Coll sets it; what `start` and `each` throw goes through unchanged.
+    template <class Rec, class Start, class Each>
+    bool walkAllRec(Start start, Each each);
     /// Runs an action statement; `failText` on error.
     bool executeDelete(std::string_view sql);
     /// Opens DbPath as OpenDb does and checks that the file holds every table and column of
@@ -239,6 +246,43 @@ template <class Rec>
 bool RecordDb::readQueryRec2Coll(std::string_view sql, CRecColl<Rec>& coll)
 {
     return readRowsRec2Coll(coll, [this, sql] { return db().query(sql); });
+}
+
+template <class Rec, class Start, class Each>
+bool RecordDb::walkAllRec(Start start, Each each)
+{
+    begin();
+    // What the caller's steps throw is carried past the handlers of the reading.
+    struct Passed {};
+    std::exception_ptr passed;
+    const auto call = [&](auto&& step) {
+        try {
+            step();
+        } catch (...) {
+            passed = std::current_exception();
+            throw Passed{};
+        }
+    };
+    try {
+        TableRecordset rows(db(), RecordTable<Rec>::name);
+        rows.moveFirst();
+        call([&] { start(); });
+        Rec rec;
+        for (; !rows.eof(); rows.moveNext()) {
+            rec.Init();
+            readFields<Rec>(rows, rec, RecordTable<Rec>::read);
+            call([&] { each(rec); });
+        }
+        return true;
+    } catch (const Passed&) {
+        std::rethrow_exception(passed);
+    } catch (const NoDatabase&) {
+        return fail(failtext::ReadAll);
+    } catch (const DbError& e) {
+        return fail(failtext::ReadAll, e);
+    } catch (const std::exception& e) {
+        return fail(failtext::ReadAll, e);
+    }
 }
 
 template <class Rec, class OpenRows>

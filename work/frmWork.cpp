@@ -544,23 +544,31 @@ std::string frmWork::MakeArchive()
         const std::string archive =
             settings_.gstProjektPfad + "Inventur\\" + dbName.substr(0, dbName.size() - 4) + ".dat";
 
-        if (!f_DBAuftrag.ReadAllDatInventurRec2Coll(f_collDatInventur)) {
-            ui_.showError("frmWork.MakeArchive", f_DBAuftrag.LastError());
-            return {};
-        }
-        TextFileWriter out(archive);
+        // The lines go to the file as they are read: the memory needed does not grow with the
+        // order. The file is begun once the first line can be read.
+        std::optional<TextFileWriter> out;
+        bool read = false;
         try {
-            CDatInventurRec* rec = nullptr;
-            f_collDatInventur.ResetIndex();
-            while (f_collDatInventur.GetNext(rec))
-                out.writeLine(rec->stMitarbNr + "," + rec->stAuftragsNr + "," + rec->Datum + "," + rec->Uhrzeit +
-                              "," + rec->stRaum + "," + rec->stInvNr + "," + rec->stArtNr + "," + rec->stTaet);
-            out.close();
+            read = f_DBAuftrag.WalkAllDatInventurRec([&] { out.emplace(archive); },
+                                                     [&](const CDatInventurRec& rec) {
+                                                         out->writeLine(rec.stMitarbNr + "," + rec.stAuftragsNr + "," +
+                                                                        rec.Datum + "," + rec.Uhrzeit + "," +
+                                                                        rec.stRaum + "," + rec.stInvNr + "," +
+                                                                        rec.stArtNr + "," + rec.stTaet);
+                                                     });
+            if (read)
+                out->close();
         } catch (const DbError&) {
             // A write that fails (a full disk) leaves the lines written until then in the archive;
             // a process that dies while writing leaves the earlier archive whole.
-            out.keepWrittenLines();
+            if (out)
+                out->keepWrittenLines();
             throw;
+        }
+        if (!read) {
+            // A line that can't be read leaves the earlier archive as it was.
+            ui_.showError("frmWork.MakeArchive", f_DBAuftrag.LastError());
+            return {};
         }
         return archive;
     } catch (const std::exception& e) {

@@ -139,7 +139,6 @@ public:
     CRaumRecColl f_collRooms;
     /// The order's data files, as Init read them.
     CDateienRecColl f_collDateien;
-    CDatInventurRecColl f_collDatInventur;
 
     /// What lvDateien shows: text file name, sub-items date and path, key "$" + lDatID.
     std::vector<ListItem> lvDateien;

@@ -608,3 +608,45 @@ TEST_F(OrderDbTest, AbandonedRowKeepsItsKeyConsumed)
     EXPECT_GT(abandoned, a);
     EXPECT_GT(b, abandoned);
 }
+
+TEST_F(OrderDbTest, WalkOfTheScanLinesGivesThemInKeyOrderOneAtATime)
+{
+    bool dup = false;
+    for (const char* inv : {"30", "10", "20"}) {
+        CDatInventurRec r = scan(inv, "101");
+        ASSERT_TRUE(db.AddNewDatInventurRec(&r, dup)) << db.LastError();
+    }
+    int started = 0;
+    std::vector<std::string> seen;
+    ASSERT_TRUE(db.WalkAllDatInventurRec([&] { ++started; },
+                                         [&](const CDatInventurRec& r) {
+                                             EXPECT_EQ(started, 1);
+                                             seen.push_back(r.stInvNr + "/" + r.stRaum + "/" + r.stTaet);
+                                         }))
+        << db.LastError();
+    EXPECT_EQ(seen, (std::vector<std::string>{"30/101/I", "10/101/I", "20/101/I"}));
+
+    // What a step throws goes through as it is, after the lines before it.
+    seen.clear();
+    EXPECT_THROW(db.WalkAllDatInventurRec([] {},
+                                          [&](const CDatInventurRec& r) {
+                                              seen.push_back(r.stInvNr);
+                                              if (seen.size() == 2)
+                                                  throw DbError(dberr::DiskFull, "Datenträger voll");
+                                          }),
+                 DbError);
+    EXPECT_EQ(seen, (std::vector<std::string>{"30", "10"}));
+}
+
+TEST_F(OrderDbTest, WalkOfAnEmptyTableStartsAndOfAClosedDatabaseFailsBeforeItStarts)
+{
+    int started = 0, lines = 0;
+    ASSERT_TRUE(db.WalkAllDatInventurRec([&] { ++started; }, [&](const CDatInventurRec&) { ++lines; }));
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(lines, 0);
+    db.CloseDb();
+    started = 0;
+    EXPECT_FALSE(db.WalkAllDatInventurRec([&] { ++started; }, [&](const CDatInventurRec&) { ++lines; }));
+    EXPECT_EQ(started, 0);
+    EXPECT_EQ(db.LastError(), "Die Datensätze konnten nicht in die Liste gelesen werden!");
+}
