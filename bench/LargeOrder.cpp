@@ -33,17 +33,19 @@ std::string line(const std::string& date, int i, const std::string& room, const 
     return "17,4711," + date + "," + time + ",0" + room + "," + inv + "," + art + ",I\r\n";
 }
 
-/// Writes the scanner files "Scan1.dat" ... for the first scannedRooms() rooms of the order.
-void makeFiles(const demo::Installation& inst, const fs::path& folder, std::size_t& lines)
+} // namespace
+
+void writeLargeOrderFiles(const demo::Installation& inst, const fs::path& folder, int orderRoomCount,
+                          std::size_t& lines)
 {
     // Objects of rooms outside the order, scanned in rooms of the order.
     std::vector<std::string> outside;
-    for (std::size_t r = std::size_t(orderRooms()); r < inst.rooms.size(); ++r)
+    for (std::size_t r = std::size_t(orderRoomCount); r < inst.rooms.size(); ++r)
         for (const demo::Object* o : inst.objectsOfRoom(0, inst.rooms[r].id))
             outside.push_back(o->name);
     std::size_t nextOutside = 0;
 
-    const int roomsPerFile = scannedRooms() / kFiles;
+    const int roomsPerFile = (orderRoomCount - 20) / kFiles;
     for (int f = 0; f < kFiles; ++f) {
         const fs::path p = folder / ("Scan" + std::to_string(f + 1) + ".dat");
         std::ofstream out(p, std::ios::binary);
@@ -80,8 +82,6 @@ void makeFiles(const demo::Installation& inst, const fs::path& folder, std::size
         lines += std::size_t(i);
     }
 }
-
-} // namespace
 
 int scale()
 {
@@ -127,7 +127,7 @@ Installation makeInstallation(const fs::path& folder, const fs::path& project,
         const demo::Installation inst = demo::buildInstallation(sizes);
         demo::writeHostDatabases(inst, project.string());
         std::size_t lines = 0;
-        makeFiles(inst, folder, lines);
+        writeLargeOrderFiles(inst, folder, orderRooms(), lines);
         if (extra)
             extra(inst);
         {

@@ -35,6 +35,12 @@ double seconds(Clock::time_point a, Clock::time_point b);
 /// Peak resident memory of this process's program so far, in kilobytes.
 long peakKilobytes();
 
+/// Writes the scanner files "Scan1.dat" ... of an order of the installation's first
+/// `orderRoomCount` rooms into `folder`: kFiles files over all of them but the last 20;
+/// adds their lines to `lines`.
+void writeLargeOrderFiles(const demo::Installation& inst, const fs::path& folder, int orderRoomCount,
+                          std::size_t& lines);
+
 /// What the installation's maker noted for the benchmark.
 struct Installation {
     std::size_t objects = 0; ///< INVENTAR objects
