@@ -172,6 +172,12 @@ int Session::run()
         say("Eine Liste '" + inv_.option("--liste") + "' gibt es nicht. Listen: " + projectListNames() + ".");
         return kBadArguments;
     }
+    if (inv_.command == "korrekturen") {
+        if (const std::string refused = refusedCorrectionCall(inv_); !refused.empty()) {
+            say(refused);
+            return kBadArguments;
+        }
+    }
     if (inv_.command == "bericht" || inv_.command == "export") {
         if (inv_.option("--ausgabe").empty()) {
             say("Es fehlt --ausgabe " + std::string(inv_.command == "export" ? "ORDNER" : "PFAD") + ".");
@@ -269,6 +275,8 @@ int Session::dispatch()
         return inv_.options.count("--projekt-weit") ? projektBericht() : bericht();
     if (c == "export")
         return exportAll();
+    if (c == "korrekturen")
+        return korrekturen();
     if (c == "archiv")
         return archiv();
     if (c == "gesichert")

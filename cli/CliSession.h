@@ -6,6 +6,7 @@
 #include "ConsoleUserInteraction.h"
 
 #include "CAuftragDb.h"
+#include "Corrections.h"
 #include "Orders.h"
 #include "Settings.h"
 #include "Startup.h"
@@ -29,6 +30,16 @@ std::string reportNames();
 bool knownReport(const std::string& name);
 /// The names of the lists across orders, as `projekt --liste` knows them ("verschoben, doppelt, ...").
 std::string projectListNames();
+/// The kind of correction proposal --art names ("standort" or "Standort ändern" → "Standort ändern"); empty when none.
+std::string correctionKindOf(const std::string& name);
+/// Why a call of `korrekturen` can't be run (German), or empty.
+std::string refusedCorrectionCall(const Invocation& inv);
+/// The proposals (kind, number as the proposal writes it) that the inventory numbers name, each
+/// of the kind `art` or, when empty, of any kind; a number without a proposal, or with proposals
+/// of several kinds and no `art`, adds a German refusal to `refused` instead.
+std::vector<std::pair<std::string, std::string>> proposalsNamed(const std::vector<Proposal>& proposals,
+                                                                const std::vector<std::string>& numbers,
+                                                                const std::string& art, std::vector<std::string>& refused);
 /// The format a report command writes: --format, else (for bericht) the extension of --ausgabe,
 /// else (for export) "pdf"; empty when it is no format of the command line.
 std::string reportFormatOf(const Invocation& inv);
@@ -67,6 +78,9 @@ private:
     int projektBericht();
     /// The project result, computed for this call with a progress line.
     std::unique_ptr<Database> projectResult();
+    /// The correction list for Quarn (CliCorrections.cpp): the proposals with their decisions,
+    /// deciding them, or the accepted ones as files.
+    int korrekturen();
     /// The kept order databases (CliKeptOrders.cpp).
     int gesichert();
     int wiederherstellen();

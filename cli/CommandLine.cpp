@@ -51,6 +51,48 @@ std::vector<CommandInfo> makeCommands()
                  0, 0, {"--liste"}, {}, {kSuccess, kFailure, kBadArguments, kProjectUnusable},
                  {"qinventur-cli projekt", "qinventur-cli projekt --liste verschoben",
                   "qinventur-cli --projekt /srv/quarn/Nord projekt --liste fehlend"}});
+    c.push_back({"korrekturen",
+                 "korrekturen [--annehmen|--ablehnen|--offen NUMMER... [--art ART] [--kommentar TEXT]] "
+                 "[--export ORDNER [--format xlsx|csv]]",
+                 "Korrekturliste für Quarn: Vorschläge ansehen, entscheiden, ausgeben",
+                 "Die Korrekturliste schlägt aus den Zahlen des ganzen Projekts (siehe \"projekt --help\")\n"
+                 "vor, was in Quarn zu berichtigen ist, einen Vorschlag je Objekt und Art:\n"
+                 "  Standort ändern  gefunden in einem anderen Raum als dem laut Quarn\n"
+                 "  Neu erfassen     eine Nummer, die Quarn nicht kennt\n"
+                 "  Fehlt            laut Quarn in einem geprüften Raum, in keinem Auftrag gefunden\n"
+                 "  Klären           in mehreren Aufträgen in verschiedenen Räumen gescannt\n"
+                 "Die Entscheidungen stehen in \"QInventurKorrekturen.db\" im Projektordner. QInventur\n"
+                 "ändert die Daten von Quarn nicht.\n"
+                 "\n"
+                 "Ohne Optionen: listet die Vorschläge auf, einen je Zeile, durch Tabulatoren getrennt,\n"
+                 "mit einer Kopfzeile: Art, Inventar-Nr., Raum alt (laut Quarn), Raum neu (bei Klären\n"
+                 "alle Räume der Scans), Aufträge, Entscheidung, Kommentar und Person. Ein Vorschlag,\n"
+                 "dessen Angaben sich seit der Entscheidung geändert haben, steht als \"geändert – bitte\n"
+                 "prüfen\" mit der bisherigen Entscheidung in Klammern.\n"
+                 "\n"
+                 "Mit --annehmen, --ablehnen oder --offen: entscheidet die Vorschläge zu den\n"
+                 "Inventarnummern, alle zusammen oder, wenn eine Nummer keinen Vorschlag hat, keinen.\n"
+                 "Hat eine Nummer Vorschläge zweier Arten, nennt --art die Art. Entscheiden braucht das\n"
+                 "Projekt: Bearbeitet es ein anderes Programm, wird nichts entschieden.\n"
+                 "\n"
+                 "Mit --export: schreibt die angenommenen Vorschläge für den Datenimport von Quarn in\n"
+                 "den Ordner, als \"Korrekturen.xlsx\" (ein Blatt je Art) oder als CSV-Dateien je Art\n"
+                 "(\"Korrekturen_Standort.csv\", \"Korrekturen_Neu.csv\", \"Korrekturen_Fehlt.csv\",\n"
+                 "\"Korrekturen_Klaeren.csv\"; Semikolons, UTF-8). Die Spalten nennt die README.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --annehmen        die Vorschläge annehmen\n"
+                 "  --ablehnen        die Vorschläge ablehnen\n"
+                 "  --offen           die Entscheidung zurücknehmen\n"
+                 "  --art ART         nur Vorschläge dieser Art: standort, neu, fehlt oder klaeren\n"
+                 "  --kommentar TEXT  ein Kommentar zur Entscheidung\n"
+                 "  --export ORDNER   die angenommenen Vorschläge in diesen Ordner schreiben\n"
+                 "  --format xlsx|csv die Art der Dateien von --export (ohne --format: xlsx)\n",
+                 0, -1, {"--art", "--kommentar", "--export", "--format"}, {"--annehmen", "--ablehnen", "--offen"},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kReadOnly, kProposalUnknown},
+                 {"qinventur-cli korrekturen", "qinventur-cli korrekturen --annehmen 100234 100235 --kommentar \"umgezogen\"",
+                  "qinventur-cli korrekturen --ablehnen 100240 --art standort",
+                  "qinventur-cli korrekturen --export /daten/quarn --format csv"}});
     c.push_back({"anlegen", "anlegen NAME [--mitarbeiter WER]", "Auftrag anlegen",
                  "Legt den Auftrag NAME an, wie \"Auftrag Neu\" im Hauptfenster: seine Datenbank\n"
                  "\"Inventur\\NAME.mdb\" im Projektordner, kopiert aus \"QAuftrag.mdb\", und seine Zeile\n"
@@ -182,6 +224,10 @@ std::vector<CommandInfo> makeCommands()
                  "                      über die Aufträge hinweg (Berichtsdatei invgesamt.rpt)\n"
                  "  fortschritt         je Auftrag und Raum: erwartet, am Platz gefunden, gescannt,\n"
                  "                      Anteil gefunden, letzter Scan (Berichtsdatei invfortschritt.rpt)\n"
+                 "  protokoll           das Inventurprotokoll zum Unterschreiben: die Zahlen je\n"
+                 "                      Kategorie, die Vorschläge der Korrekturliste je Art und\n"
+                 "                      Entscheidung, die angenommenen Korrekturen und die Zeilen für\n"
+                 "                      die Unterschriften (Berichtsdatei invprotokoll.rpt)\n"
                  "\n"
                  "Optionen:\n"
                  "  --ausgabe PFAD         die Datei, die geschrieben wird (eine vorhandene wird ersetzt)\n"
@@ -194,7 +240,8 @@ std::vector<CommandInfo> makeCommands()
                  {"qinventur-cli bericht \"Lager Süd\" differenz --format pdf --ausgabe differenz.pdf",
                   "qinventur-cli bericht \"Lager Süd\" fehlend --ausgabe fehlend.csv",
                   "qinventur-cli bericht --projekt-weit gesamtauswertung --ausgabe gesamtauswertung.pdf",
-                  "qinventur-cli bericht --projekt-weit fortschritt --ausgabe fortschritt.xlsx"}});
+                  "qinventur-cli bericht --projekt-weit fortschritt --ausgabe fortschritt.xlsx",
+                  "qinventur-cli bericht --projekt-weit protokoll --ausgabe inventurprotokoll.pdf"}});
     c.push_back({"export", "export NAME --ausgabe ORDNER [--format pdf|xlsx|csv]",
                  "alle Berichte und Fehlerlisten schreiben",
                  "Schreibt alle Berichte und Fehlerlisten des Auftrags (siehe \"bericht --help\") in den\n"

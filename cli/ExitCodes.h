@@ -24,6 +24,7 @@ enum ExitCode : int {
     kFileMissing = 14,      ///< a scanner file is not there, or not a file of the order
     kReadOnly = 15,         ///< the project or the order may only be looked at
     kNoProject = 16,        ///< no project to work on: "Quarn.ini" names none (without --projekt), or its folder is empty
+    kProposalUnknown = 17,  ///< no correction proposal of that number (or proposals of several kinds and no --art)
 };
 
 struct ExitCodeInfo {
@@ -51,6 +52,8 @@ inline constexpr ExitCodeInfo kExitCodes[] = {
     {kReadOnly, "Projekt oder Auftrag nur zum Ansehen geöffnet (von einem anderen Programm bearbeitet oder schreibgeschützt)"},
     {kNoProject, "kein Projekt: ohne --projekt fehlt \"Quarn.ini\" oder nennt keinen Projektordner, den es gibt "
                  "und der Dateien enthält; oder der Ordner hinter --projekt ist leer"},
+    {kProposalUnknown, "kein Vorschlag der Korrekturliste zu dieser Inventarnummer, oder Vorschläge mehrerer Arten "
+                       "und kein --art angegeben"},
 };
 
 } // namespace qi::cli
