@@ -688,5 +688,43 @@ TEST_F(ProjectOverviewTest, ARegisterThatCantBeReadIsAnError)
     }
 }
 
+TEST_F(ProjectOverviewTest, EachRoomHasItsBuildingAndFloorAndUnknownNumbersTheirArticlesNames)
+{
+    groundFloorOrder("EG");
+    evaluate("EG");
+    const auto result = compute();
+    // The building part from the installation's own nodes: the building and floor above the room.
+    std::map<std::int32_t, const demo::Node*> nodes;
+    for (const demo::Node& n : inst.nodes)
+        nodes[n.id] = &n;
+    ASSERT_FALSE(rooms.empty());
+    for (const demo::Room& r : rooms) {
+        const demo::Node& floor = *nodes.at(r.floorId);
+        const demo::Node& building = *nodes.at(floor.parentId);
+        ASSERT_EQ(floor.typ, 3);
+        ASSERT_EQ(building.typ, 2);
+        EXPECT_EQ(text(*result, "SELECT stGebaeudeteil FROM P_Raum WHERE stAuftrag = 'EG' AND lIdRB = ?1",
+                       {std::int64_t(r.id)}),
+                  building.name + " / " + floor.name)
+            << r.nr;
+    }
+    // Every article number of the unknown numbers once, with the name of the module's article.
+    std::map<std::string, std::string> names;
+    for (const demo::Article& a : inst.modules[0].articles)
+        names.emplace(a.artNr, a.name);
+    const Recordset unknown =
+        result->query("SELECT DISTINCT stArtNr FROM L_Unbekannt WHERE stArtNr <> '' ORDER BY stArtNr");
+    // The demo's unknown number "999001" carries the first article's number.
+    EXPECT_FALSE(unknown.empty());
+    EXPECT_EQ(number(*result, "SELECT COUNT(*) FROM P_Artikel"), std::int64_t(unknown.size()));
+    for (const auto& row : unknown.rows()) {
+        const std::string art = toText(row[0]);
+        const auto it = names.find(art);
+        EXPECT_EQ(text(*result, "SELECT stBeschreibung FROM P_Artikel WHERE stArtNr = ?1", {art}),
+                  it == names.end() ? "" : it->second)
+            << art;
+    }
+}
+
 } // namespace
 } // namespace qi::test
