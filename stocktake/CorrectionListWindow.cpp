@@ -1,7 +1,10 @@
 #include "CorrectionListWindow.h"
 
 #include "Database.h"
+#include "FileSystem.h"
 #include "ListView.h"
+#include "ProjectReports.h"
+#include "ReportPreview.h"
 #include "UserInteraction.h"
 #include "WindowState.h"
 
@@ -61,6 +64,14 @@ void fitColumns(QTreeWidget& list)
         list.setColumnWidth(c, std::min(list.columnWidth(c), kWidestColumn));
     }
     list.setProperty("qiSized", true);
+}
+
+/// The decision's column is wide enough for its longest text, whatever the list first showed.
+void fitDecisionColumn(QTreeWidget& list)
+{
+    const int wanted = list.fontMetrics().horizontalAdvance(QString::fromUtf8(kGeaendert)) + 16;
+    if (list.columnWidth(korrcol::Entscheidung) < wanted)
+        list.setColumnWidth(korrcol::Entscheidung, wanted);
 }
 
 } // namespace
@@ -146,7 +157,14 @@ void CorrectionListWindow::buildWindow()
     pbAnnehmen = new QPushButton(QStringLiteral("&Annehmen"), central);
     pbAblehnen = new QPushButton(QStringLiteral("A&blehnen"), central);
     pbOffen = new QPushButton(QStringLiteral("&Offen"), central);
+    pbExcel = new QPushButton(QStringLiteral("E&xcel…"), central);
+    pbCsv = new QPushButton(QStringLiteral("&CSV…"), central);
+    pbProtokoll = new QPushButton(QStringLiteral("Inventur&protokoll…"), central);
     pbSchliessen = new QPushButton(QStringLiteral("&Schließen"), central);
+    pbExcel->setToolTip(QStringLiteral("Die angenommenen Korrekturen als Excel-Datei für Quarn speichern"));
+    pbCsv->setToolTip(QStringLiteral("Die angenommenen Korrekturen als CSV-Dateien für Quarn speichern"));
+    pbProtokoll->setToolTip(QStringLiteral("Das Inventurprotokoll zum Unterschreiben zeigen"));
+    pbProtokoll->setEnabled(false);
     pbAnnehmen->setToolTip(QStringLiteral("Die ausgewählten Vorschläge annehmen (Alt+A)"));
     pbAblehnen->setToolTip(QStringLiteral("Die ausgewählten Vorschläge ablehnen (Alt+B)"));
     pbOffen->setToolTip(QStringLiteral("Die ausgewählten Vorschläge wieder offen lassen (Alt+O)"));
@@ -155,6 +173,10 @@ void CorrectionListWindow::buildWindow()
     decide->addWidget(pbAnnehmen);
     decide->addWidget(pbAblehnen);
     decide->addWidget(pbOffen);
+    decide->addSpacing(12);
+    decide->addWidget(pbExcel);
+    decide->addWidget(pbCsv);
+    decide->addWidget(pbProtokoll);
     decide->addSpacing(12);
     decide->addWidget(pbSchliessen);
     layout->addLayout(decide);
@@ -169,12 +191,8 @@ void CorrectionListWindow::buildWindow()
     setCentralWidget(central);
     statusBar();
 
-    // Tab goes through the filters, the list, the comment and the buttons in this order.
-    const std::vector<QWidget*> order{cbArt,       cbAuftrag,  cbGebaeudeteil, txRaum,  cbEntscheidung, tabs,
-                                      lvVorschlaege, lvVerlauf, txKommentar,    pbAnnehmen, pbAblehnen, pbOffen,
-                                      pbSchliessen};
-    for (std::size_t i = 0; i + 1 < order.size(); ++i)
-        setTabOrder(order[i], order[i + 1]);
+    // Tab goes through the filters, the tabs, the list, the comment and the buttons in the order
+    // in which they were made above.
 
     for (QComboBox* box : {cbArt, cbAuftrag, cbGebaeudeteil, cbEntscheidung})
         connect(box, &QComboBox::currentIndexChanged, this, [this] { refilter(); });
@@ -183,6 +201,10 @@ void CorrectionListWindow::buildWindow()
     connect(pbAnnehmen, &QPushButton::clicked, this, [this] { decideSelected(kAngenommen); });
     connect(pbAblehnen, &QPushButton::clicked, this, [this] { decideSelected(kAbgelehnt); });
     connect(pbOffen, &QPushButton::clicked, this, [this] { decideSelected(kOffen); });
+    connect(pbExcel, &QPushButton::clicked, this, [this] { exportAccepted(CorrectionFormat::Xlsx); });
+    connect(pbCsv, &QPushButton::clicked, this, [this] { exportAccepted(CorrectionFormat::Csv); });
+    connect(pbProtokoll, &QPushButton::clicked, this, &CorrectionListWindow::showProtocol);
+    connect(tabs, &QTabWidget::currentChanged, this, [this] { updateButtons(); });
     connect(pbSchliessen, &QPushButton::clicked, this, &QWidget::close);
     resize(1100, 640);
     restoreWindowState(*this, kWindowKey);
@@ -211,6 +233,7 @@ CorrectionFilter CorrectionListWindow::filter() const
 void CorrectionListWindow::showResult(std::shared_ptr<Database> result)
 {
     result_ = std::move(result);
+    pbProtokoll->setEnabled(result_ != nullptr && findProjectReport("protokoll") != nullptr);
     std::vector<Proposal> proposals;
     if (result_) {
         try {
@@ -223,6 +246,52 @@ void CorrectionListWindow::showResult(std::shared_ptr<Database> result)
         }
     }
     showProposals(std::move(proposals));
+}
+
+void CorrectionListWindow::exportAccepted(CorrectionFormat format)
+{
+    FileDialogRequest request;
+    request.title = "Korrekturen für Quarn speichern";
+    if (format == CorrectionFormat::Xlsx) {
+        request.filter = "Excel-Arbeitsmappe (*.xlsx)|*.xlsx";
+        request.fileName = kCorrectionWorkbook;
+    } else {
+        request.filter = "CSV-Datei, Semikolon getrennt (*.csv)|*.csv";
+        request.fileName = correctionCsvFile(kArtStandort);
+    }
+    if (folderExists(settings_.gstProjektPfad))
+        request.startFolder = settings_.gstProjektPfad;
+    const std::optional<std::string> chosen = ui_.saveFile(request);
+    if (!chosen || chosen->empty())
+        return;
+    try {
+        ui_.setBusy(true);
+        const std::vector<std::string> written = exportCorrections(rows_, folderPart(*chosen), format);
+        ui_.setBusy(false);
+        ui_.messageBox(exportedText(written), MsgButtons::Ok, MsgIcon::Information, "Korrekturliste");
+        setStatus(QString::fromStdString(exportedStatusText(written)));
+    } catch (const std::exception& e) {
+        ui_.setBusy(false);
+        ui_.showError("CorrectionListWindow.exportAccepted", e.what());
+    }
+}
+
+void CorrectionListWindow::showProtocol()
+{
+    const ProjectReport* protocol = findProjectReport("protokoll");
+    if (!result_ || !protocol)
+        return;
+    try {
+        ui_.setBusy(true);
+        auto* preview = new ReportPreview(openProjectReport(settings_, *result_, *protocol), ui_, this);
+        ui_.setBusy(false);
+        preview->show();
+        preview->raise();
+        preview->activateWindow();
+    } catch (const std::exception& e) {
+        ui_.setBusy(false);
+        ui_.showError("CorrectionListWindow.showProtocol", e.what());
+    }
 }
 
 void CorrectionListWindow::showProposals(std::vector<Proposal> proposals)
@@ -297,6 +366,7 @@ void CorrectionListWindow::refilter()
         }
     }
     fitColumns(*lvVorschlaege);
+    fitDecisionColumn(*lvVorschlaege);
     tabs->setTabText(0, QStringLiteral("&Vorschläge (%1)").arg(lvVorschlaege->topLevelItemCount()));
     lbAngezeigt->setText(
         QString::fromStdString(shownRowsText(lvVorschlaege->topLevelItemCount(), int(rows_.size()))));
@@ -330,7 +400,9 @@ void CorrectionListWindow::decideSelected(const std::string& entscheidung)
 
 void CorrectionListWindow::updateButtons()
 {
-    const bool decidable = !readOnly_ && decisions_ && !lvVorschlaege->selectedItems().isEmpty();
+    // The rows selected are decided only where they are seen.
+    const bool decidable = !readOnly_ && decisions_ && tabs->currentIndex() == 0 &&
+                           !lvVorschlaege->selectedItems().isEmpty();
     for (QPushButton* button : {pbAnnehmen, pbAblehnen, pbOffen})
         button->setEnabled(decidable);
 }

@@ -9,6 +9,7 @@
 // Everything works from the keyboard: Tab reaches every control, the labels and buttons have
 // their mnemonics, and the return key in the list changes nothing.
 
+#include "CorrectionExport.h"
 #include "CorrectionTable.h"
 #include "Settings.h"
 
@@ -47,6 +48,12 @@ public:
     /// emptied after. Nothing when nothing is selected or the decisions are read-only.
     void decideSelected(const std::string& entscheidung);
 
+    /// Writes the accepted proposals for Quarn's data import (CorrectionExport.h) into the folder
+    /// of the file the save dialog names, and says which files it wrote.
+    void exportAccepted(CorrectionFormat format);
+    /// Shows the "Inventurprotokoll" of the result shown in the preview window.
+    void showProtocol();
+
     /// True when the decisions can only be looked at.
     bool readOnly() const { return readOnly_; }
     /// The proposals with their decisions, as shown before the filters.
@@ -66,6 +73,10 @@ public:
     QPushButton* pbAnnehmen;
     QPushButton* pbAblehnen;
     QPushButton* pbOffen;
+    /// The accepted proposals as an Excel workbook or CSV files, and the protocol to sign.
+    QPushButton* pbExcel;
+    QPushButton* pbCsv;
+    QPushButton* pbProtokoll;
     QPushButton* pbSchliessen;
     QLabel* lbZaehler;
     QLabel* lbAngezeigt;

@@ -1,5 +1,7 @@
 #include "CorrectionTable.h"
 
+#include "FileSystem.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -172,6 +174,19 @@ std::string readOnlyStatusText(const std::string& reason)
     if (!reason.empty())
         text += " " + reason;
     return text;
+}
+
+std::string exportedText(const std::vector<std::string>& files)
+{
+    std::string text = "Die angenommenen Korrekturen wurden für Quarn gespeichert:";
+    for (const std::string& file : files)
+        text += "\n" + displayPath(file);
+    return text;
+}
+
+std::string exportedStatusText(const std::vector<std::string>& files)
+{
+    return files.size() == 1 ? std::string("1 Datei gespeichert.") : std::to_string(files.size()) + " Dateien gespeichert.";
 }
 
 std::string decidedStatusText(int count, const std::string& entscheidung)

@@ -73,6 +73,10 @@ std::vector<std::string> historyRow(const Decision& decision);
 /// The status line when the decisions can only be looked at (readOnlyCorrectionsMessage()),
 /// with the reason the program was told at start-up.
 std::string readOnlyStatusText(const std::string& reason);
+/// The message after the accepted proposals were written for Quarn: the files, one a line.
+std::string exportedText(const std::vector<std::string>& files);
+/// The status line after it: "4 Dateien gespeichert." / "1 Datei gespeichert."
+std::string exportedStatusText(const std::vector<std::string>& files);
 /// The status line after a decision for `count` rows: "3 Vorschläge angenommen."
 std::string decidedStatusText(int count, const std::string& entscheidung);
 

@@ -2,6 +2,7 @@
 // of the filter boxes, the counts at its foot, the history and the status texts.
 
 #include "CorrectionTable.h"
+#include "FileSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -156,6 +157,13 @@ TEST(CorrectionTable, HistoryAndStatusTexts)
     EXPECT_EQ(readOnlyStatusText(""), readOnly);
     EXPECT_EQ(readOnlyStatusText("Das Projekt wird bereits von mmuster bearbeitet."),
               readOnly + " Das Projekt wird bereits von mmuster bearbeitet.");
+    EXPECT_EQ(exportedText({"/tmp/p/Korrekturen.xlsx"}),
+              "Die angenommenen Korrekturen wurden für Quarn gespeichert:\n" + displayPath("/tmp/p/Korrekturen.xlsx"));
+    EXPECT_EQ(exportedText({"a.csv", "b.csv"}),
+              "Die angenommenen Korrekturen wurden für Quarn gespeichert:\n" + displayPath("a.csv") + "\n" +
+                  displayPath("b.csv"));
+    EXPECT_EQ(exportedStatusText({"a"}), "1 Datei gespeichert.");
+    EXPECT_EQ(exportedStatusText({"a", "b", "c", "d"}), "4 Dateien gespeichert.");
     EXPECT_EQ(decidedStatusText(3, kAngenommen), "3 Vorschläge angenommen.");
     EXPECT_EQ(decidedStatusText(1, kAbgelehnt), "1 Vorschlag abgelehnt.");
     EXPECT_EQ(decidedStatusText(2, kOffen), "2 Vorschläge wieder offen.");
