@@ -21,6 +21,7 @@
 #include <ostream>
 #include <set>
 #include <sstream>
+#include <unordered_map>
 
 namespace qi::cli {
 
@@ -431,11 +432,19 @@ int Session::raeumeSetzen()
     if (ui_.errorCount() > 0)
         return kFailure;
     std::vector<std::pair<std::string, std::string>> marks; // row key, status asked for
+    // A number names the last line of exactly that number, else the first line equal to it
+    // under the text comparison; looked up, so that many rooms cost no walk of the list each.
+    std::unordered_map<std::string, RoomLine*> exactLine, equalLine;
+    for (RoomLine& line : rooms.lbRooms) {
+        exactLine[line.text] = &line;
+        equalLine.emplace(jetFoldKey(line.text), &line);
+    }
     for (const WantedRoom& want : wanted) {
         RoomLine* match = nullptr;
-        for (RoomLine& line : rooms.lbRooms)
-            if (line.text == want.number || (!match && jetEqual(line.text, want.number)))
-                match = &line;
+        if (const auto exact = exactLine.find(want.number); exact != exactLine.end())
+            match = exact->second;
+        else if (const auto equal = equalLine.find(jetFoldKey(want.number)); equal != equalLine.end())
+            match = equal->second;
         if (!match) {
             say("Einen Raum '" + want.number + "' gibt es in der Gebäudestruktur nicht.");
             return kRoomUnknown;

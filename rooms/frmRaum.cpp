@@ -78,10 +78,19 @@ RoomRow* frmRaum::rowByKey(const std::string& key)
     return nullptr;
 }
 
-bool frmRaum::addRow(const RoomLine& line)
+std::unordered_set<std::string> frmRaum::listedKeys() const
+{
+    std::unordered_set<std::string> keys;
+    keys.reserve(lvRooms.size());
+    for (const RoomRow& row : lvRooms)
+        keys.insert(row.key);
+    return keys;
+}
+
+bool frmRaum::addRow(const RoomLine& line, std::unordered_set<std::string>& listed)
 {
     const std::string key = raumtext::KeyPrefix + std::to_string(line.itemData);
-    if (rowByKey(key))
+    if (!listed.insert(key).second)
         return false;
     lvRooms.push_back({key, line.text, std::string(roomstatus::New), false});
     return true;
@@ -145,11 +154,12 @@ void frmRaum::InitData()
     try {
         lvRooms.clear();
         require(db_.ReadAllRaumRec2Coll(collRooms));
+        std::unordered_set<std::string> listed;
         CRaumRec* rec = nullptr;
         collRooms.ResetIndex();
         while (collRooms.GetNext(rec)) {
             const std::string key = raumtext::KeyPrefix + std::to_string(rec->lIdRB);
-            if (rowByKey(key))
+            if (!listed.insert(key).second)
                 throw std::runtime_error(kKeyNotUnique);
             lvRooms.push_back({key, rec->stRaumNr, rec->ststatus, false});
         }
@@ -230,9 +240,10 @@ void frmRaum::pbIn_Click()
             anySelected = anySelected || line.selected;
         if (!anySelected)
             return;
+        std::unordered_set<std::string> listed = listedKeys();
         for (const RoomLine& line : lbRooms)
             if (line.selected)
-                addRow(line);
+                addRow(line, listed);
         notify(onOrderRoomsChanged);
     } catch (const std::exception& e) {
         ui_.showError(raumlabel::In, e.what());
@@ -246,8 +257,9 @@ void frmRaum::pbAllIn_Click()
     if (readOnly())
         return;
     // A line whose room is listed already is not added again; the rest go in.
+    std::unordered_set<std::string> listed = listedKeys();
     for (const RoomLine& line : lbRooms)
-        addRow(line);
+        addRow(line, listed);
     notify(onOrderRoomsChanged);
     CheckStatus();
 }

@@ -19,6 +19,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace qi {
@@ -148,8 +149,11 @@ public:
     RoomRow* rowByKey(const std::string& key);
 
 private:
-    /// Adds a row for the line unless its key is listed; false when it was listed.
-    bool addRow(const RoomLine& line);
+    /// Adds a row for the line unless its key is among `listed` (the keys of lvRooms, kept up
+    /// to date); false when it was listed.
+    bool addRow(const RoomLine& line, std::unordered_set<std::string>& listed);
+    /// The keys of lvRooms, so that adding many rows costs a lookup each, not a walk of the list.
+    std::unordered_set<std::string> listedKeys() const;
     /// Fills lbRooms with rooms from the building component.
     void listRooms(const std::vector<GebRoom>& rooms);
     QGebDb& gebDb();

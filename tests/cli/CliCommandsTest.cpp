@@ -240,6 +240,19 @@ TEST_F(CliCommandsTest, SettingRoomsAfterScansKeepsTheirStatusAndEmptiesTheDiffe
         EXPECT_EQ(status("Nord", rooms[i]), "E") << rooms[i];
 }
 
+TEST_F(CliCommandsTest, ARoomNumberNamesTheRoomItEqualsUnderTheTextComparison)
+{
+    expectCli(0, {"anlegen", "Nord"});
+    const std::vector<std::string> rooms = orderRooms();
+    ASSERT_GE(rooms.size(), 3u);
+    // Trailing blanks don't count, as in every comparison of room numbers; each room once.
+    const CliRun r = expectCli(0, {"raeume", "Nord", "--setzen", rooms[1] + "  :L", rooms[0], rooms[1]});
+    EXPECT_EQ(r.out, "2 Räume im Auftrag 'Nord' gespeichert.\n");
+    EXPECT_EQ(status("Nord", rooms[0]), "N");
+    EXPECT_EQ(status("Nord", rooms[1]), "L");
+    EXPECT_EQ(rows("Nord", "T_Raum"), 2);
+}
+
 TEST_F(CliCommandsTest, AnUnknownRoomIsExitCodeEightAndChangesNothing)
 {
     expectCli(0, {"anlegen", "Nord"});

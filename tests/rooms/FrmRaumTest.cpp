@@ -217,6 +217,19 @@ TEST_F(FrmRaumTest, InitDataFailureShowsItsMessage)
     EXPECT_EQ(ui.messages[0].title, "QInventur");
 }
 
+TEST_F(FrmRaumTest, ARoomStoredTwiceIsAKeyThatIsNotUnique)
+{
+    storeRoom(room(0), "N");
+    storeRoom(room(1), "N");
+    storeRoom(room(0), "L");
+    open();
+    // The rows before the second record of the room are listed; then the message.
+    EXPECT_LT(form.lvRooms.size(), 3u);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "frmRaum.InitData\r\nSchlüssel ist in der Auflistung nicht eindeutig");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+}
+
 TEST_F(FrmRaumTest, CheckStatusWithAKeyThatIsNoNumberShowsItsMessage)
 {
     open();
