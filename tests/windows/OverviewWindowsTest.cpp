@@ -4,7 +4,9 @@
 
 #include "ProgramFixture.h"
 
+#include "CorrectionListWindow.h"
 #include "Database.h"
+#include "FileSystem.h"
 #include "MainWindowOverview.h"
 #include "OverviewTables.h"
 #include "ProjectOverviewWindow.h"
@@ -692,6 +694,44 @@ TEST_F(MainWindowOverviewTest, TheReportsOfTheProjectOpenInThePreview)
     }
     screenshot(*previews[0], QStringLiteral("projektuebersicht-gesamtauswertung"));
     screenshot(*previews[1], QStringLiteral("projektuebersicht-fortschritt"));
+}
+
+TEST_F(MainWindowOverviewTest, TheCorrectionListOfTheDemoProjectIsReviewedAndSignedOff)
+{
+    twoOrders();
+    overview().mnuProjektFkt_Click(projektmenu::Uebersicht);
+    ProjectOverviewWindow& window = *overview().overview();
+    settle(window.run());
+    ASSERT_TRUE(window.pbKorrekturliste->isEnabled());
+    window.pbKorrekturliste->click();
+    CorrectionListWindow* list = window.correctionList();
+    ASSERT_NE(list, nullptr);
+    ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    const std::vector<Proposal> proposals = makeProposals(*window.result());
+    ASSERT_FALSE(proposals.empty());
+    ASSERT_EQ(list->lvVorschlaege->topLevelItemCount(), int(proposals.size()));
+
+    // The first two rows accepted with a comment; the decisions go into the project folder.
+    list->lvVorschlaege->topLevelItem(0)->setSelected(true);
+    list->lvVorschlaege->topLevelItem(1)->setSelected(true);
+    list->txKommentar->setText(QStringLiteral("geprüft"));
+    list->pbAnnehmen->click();
+    ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    EXPECT_EQ(list->lvVorschlaege->topLevelItem(0)->text(korrcol::Entscheidung), QStringLiteral("angenommen"));
+    EXPECT_TRUE(fileExists(correctionsPath(main->settings())));
+    EXPECT_NE(list->lbZaehler->text().indexOf(QStringLiteral("angenommen")), -1);
+
+    // The protocol to sign shows the accepted ones.
+    list->pbProtokoll->click();
+    ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
+    const auto previews = list->findChildren<ReportPreview*>();
+    ASSERT_EQ(previews.size(), 1);
+    EXPECT_EQ(previews[0]->report().windowTitle(), "Inventurprotokoll");
+    EXPECT_NE(previews[0]->report().text().find(list->lvVorschlaege->topLevelItem(0)->text(korrcol::InvNr).toStdString()),
+              std::string::npos);
+    list->resize(1280, 600);
+    screenshot(*list, QStringLiteral("korrekturliste-demo"));
+    screenshot(*previews[0], QStringLiteral("korrekturliste-demo-protokoll"));
 }
 
 } // namespace
