@@ -324,12 +324,14 @@ TEST_F(OverviewWindowTest, MenusAndButtons)
     EXPECT_EQ(menus[0]->text(), QStringLiteral("&Datei"));
     EXPECT_EQ(menus[1]->text(), QStringLiteral("&Berichte"));
     const auto datei = window->mnuDatei->actions();
-    ASSERT_EQ(datei.size(), 3);
+    ASSERT_EQ(datei.size(), 4);
     EXPECT_EQ(datei[0], window->mnuAktualisieren);
     EXPECT_EQ(datei[0]->text(), QStringLiteral("&Aktualisieren"));
-    EXPECT_TRUE(datei[1]->isSeparator());
-    EXPECT_EQ(datei[2], window->mnuSchliessen);
-    EXPECT_EQ(datei[2]->text(), QStringLiteral("&Schließen"));
+    EXPECT_EQ(datei[1], window->mnuKorrekturliste);
+    EXPECT_EQ(datei[1]->text(), QStringLiteral("&Korrekturliste…"));
+    EXPECT_TRUE(datei[2]->isSeparator());
+    EXPECT_EQ(datei[3], window->mnuSchliessen);
+    EXPECT_EQ(datei[3]->text(), QStringLiteral("&Schließen"));
     window->show();
     window->mnuSchliessen->trigger();
     EXPECT_FALSE(window->isVisible());
