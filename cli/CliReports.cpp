@@ -83,8 +83,12 @@ int Session::writeReports(const std::vector<std::pair<std::string, std::string>>
         bool written = false;
         ui_.setReportWriter([&, path = path](const std::string& reportFile, const std::string& dataFile,
                                              const std::string& title) {
-            const std::string error = writeReportFile(reportFile, dataFile, title, rec->stBezeichung,
-                                                      settings_.gstProjektPfad, f, path);
+            // A long report shows on a terminal how many of its pages are written.
+            ui_.beginProgress("Bericht '" + std::string(report.name) + "'");
+            const std::string error =
+                writeReportFile(reportFile, dataFile, title, rec->stBezeichung, settings_.gstProjektPfad, f, path,
+                                [this](int page, int pages) { ui_.reportStep("Seite", page, pages); });
+            ui_.endProgress();
             if (!error.empty())
                 throw std::runtime_error(error);
             written = true;

@@ -127,13 +127,15 @@ void Report::write(ReportFormat format, const std::string& path) const
 
 std::string writeReportFile(const std::string& reportFile, const std::string& dataFile, const std::string& title,
                             const std::string& orderName, const std::string& projectFolder, ReportFormat format,
-                            const std::string& outputPath)
+                            const std::string& outputPath, const std::function<void(int page, int pages)>& pageProgress)
 {
     try {
         ReportOptions options;
         options.orderName = orderName;
         options.projectFolder = projectFolder;
-        Report::open(reportFile, dataFile, title, options)->write(format, outputPath);
+        const std::unique_ptr<Report> report = Report::open(reportFile, dataFile, title, options);
+        report->setPageProgress(pageProgress);
+        report->write(format, outputPath);
         return {};
     } catch (const std::exception& e) {
         return e.what();

@@ -8,6 +8,7 @@
 #include "ReportLayout.h"
 #include "ReportModel.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -64,6 +65,9 @@ public:
     /// Writes the report; ReportError naming the file when it can't be written.
     void write(ReportFormat format, const std::string& path) const;
     void writePdf(const std::string& path) const;
+    /// Told after each page a PDF got, with the number of pages, so that a long write can
+    /// show how far it is.
+    void setPageProgress(std::function<void(int page, int pages)> progress) { pageProgress_ = std::move(progress); }
     void writeXlsx(const std::string& path) const;
     void writeCsv(const std::string& path) const;
     /// The pages as plain text: one line per band, cells separated by " | ".
@@ -75,6 +79,7 @@ private:
     std::string file_;
     std::unique_ptr<ReportModel> model_;
     mutable std::unique_ptr<ReportLayout> layout_;
+    std::function<void(int page, int pages)> pageProgress_;
 };
 
 /// Writes a report straight to a file, for the command line and batch use: finds and reads
@@ -83,9 +88,11 @@ private:
 /// `orderName` and `projectFolder` fill the page header (empty: taken from the report
 /// database's link to the order database). Returns the empty text when the file was
 /// written, else the error message (naming the file, and the line of a definition error).
+/// `pageProgress` is told each page written (see Report::setPageProgress).
 std::string writeReportFile(const std::string& reportFile, const std::string& dataFile, const std::string& title,
                             const std::string& orderName, const std::string& projectFolder, ReportFormat format,
-                            const std::string& outputPath);
+                            const std::string& outputPath,
+                            const std::function<void(int page, int pages)>& pageProgress = {});
 
 /// File name extension of a format, without the dot ("pdf", "xlsx", "csv", "txt").
 const char* reportFormatExtension(ReportFormat format);

@@ -70,6 +70,8 @@ void Report::writePdf(const std::string& path) const
                 if (page > 0)
                     writer.newPage();
                 pages.paint(painter, page);
+                if (pageProgress_)
+                    pageProgress_(page + 1, l.pageCount());
             }
             painter.end();
         }

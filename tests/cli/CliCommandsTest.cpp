@@ -544,5 +544,21 @@ TEST_F(CliCommandsTest, AProgressLineOnlyOnATerminal)
     EXPECT_NE(adding.find("\r\x1b[KScannerdaten werden eingelesen"), std::string::npos) << adding;
 }
 
+TEST_F(CliCommandsTest, AReportWrittenOnATerminalShowsItsPages)
+{
+    prepareOrder("Nord");
+    const std::string pdf = root.file("differenz.pdf");
+    int code = -1;
+    const std::string terminal =
+        runOnTerminal(program, {"bericht", "Nord", "differenz", "--ausgabe", pdf}, code);
+    EXPECT_EQ(code, 0) << terminal;
+    EXPECT_NE(terminal.find("\r\x1b[KBericht 'differenz': Seite 1 von "), std::string::npos) << terminal;
+    // The line is cleared before the report's line.
+    EXPECT_NE(terminal.find("\r\x1b[KBericht 'differenz' geschrieben: "), std::string::npos) << terminal;
+    // Without a terminal there is no progress line.
+    const CliRun redirected = expectCli(0, {"bericht", "Nord", "differenz", "--ausgabe", pdf});
+    EXPECT_EQ(redirected.err.find("Seite"), std::string::npos) << redirected.err;
+}
+
 } // namespace
 } // namespace qi::test
