@@ -687,13 +687,15 @@ TEST_F(MainWindowOverviewTest, TheReportsOfTheProjectOpenInThePreview)
         ASSERT_TRUE(ui.messages.empty()) << ui.messages[0].text;
     }
     const auto previews = window.findChildren<ReportPreview*>();
-    ASSERT_EQ(previews.size(), 2);
+    ASSERT_EQ(previews.size(), qsizetype(projectReports().size()));
+    ASSERT_EQ(previews.size(), 3);
     EXPECT_EQ(previews[0]->report().windowTitle(), "Gesamtauswertung");
     EXPECT_EQ(previews[1]->report().windowTitle(), "Fortschritt");
-    for (ReportPreview* p : previews) {
+    EXPECT_EQ(previews[2]->report().windowTitle(), "Inventurprotokoll");
+    for (ReportPreview* p : previews)
         EXPECT_GT(p->report().pageCount(), 0);
-        EXPECT_NE(p->report().text().find("Erdgeschoss"), std::string::npos);
-    }
+    for (int i = 0; i < 2; ++i)
+        EXPECT_NE(previews[i]->report().text().find("Erdgeschoss"), std::string::npos);
     screenshot(*previews[0], QStringLiteral("projektuebersicht-gesamtauswertung"));
     screenshot(*previews[1], QStringLiteral("projektuebersicht-fortschritt"));
 }
