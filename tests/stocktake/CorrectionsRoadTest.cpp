@@ -31,6 +31,7 @@
 
 #include "StocktakeProjectFixture.h"
 
+#include "CorrectionExport.h"
 #include "Corrections.h"
 #include "ProjectOverview.h"
 
@@ -116,6 +117,137 @@ struct Kept {
     std::string entscheidung, kommentar, person;
     std::string evidence; ///< of the proposal when it was decided
 };
+
+/// The lines of a CSV file of ours: byte-order mark, semicolons, CR LF, texts with a semicolon,
+/// quote or line break in double quotes. Fails the test where the form is not kept.
+Rows parseCsv(const std::string& bytes)
+{
+    Rows rows;
+    EXPECT_EQ(bytes.compare(0, 3, "\xEF\xBB\xBF"), 0) << "no byte-order mark";
+    std::size_t i = bytes.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
+    Row row;
+    std::string cell;
+    bool quoted = false;
+    for (; i < bytes.size(); ++i) {
+        const char c = bytes[i];
+        if (quoted) {
+            if (c == '"' && i + 1 < bytes.size() && bytes[i + 1] == '"') {
+                cell += '"';
+                ++i;
+            } else if (c == '"') {
+                quoted = false;
+            } else {
+                cell += c;
+            }
+        } else if (c == '"') {
+            quoted = true;
+        } else if (c == ';') {
+            row.push_back(cell);
+            cell.clear();
+        } else if (c == '\r') {
+            EXPECT_TRUE(i + 1 < bytes.size() && bytes[i + 1] == '\n') << "a line not ended by CR LF";
+        } else if (c == '\n') {
+            EXPECT_TRUE(i > 0 && bytes[i - 1] == '\r') << "a line not ended by CR LF";
+            row.push_back(cell);
+            cell.clear();
+            rows.push_back(row);
+            row.clear();
+        } else {
+            cell += c;
+        }
+    }
+    if (!cell.empty() || !row.empty()) {
+        row.push_back(cell);
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::string xmlText(const std::string& xml)
+{
+    std::string out;
+    for (std::size_t i = 0; i < xml.size(); ++i) {
+        if (xml[i] != '&') {
+            out += xml[i];
+            continue;
+        }
+        const std::size_t semi = xml.find(';', i);
+        const std::string entity = xml.substr(i + 1, semi - i - 1);
+        out += entity == "amp" ? "&" : entity == "lt" ? "<" : entity == "gt" ? ">" : entity == "quot" ? "\"" : "'";
+        i = semi;
+    }
+    return out;
+}
+
+/// The texts between <tag ...> and </tag> in order (the element's text with its inner tags dropped).
+std::vector<std::string> elements(const std::string& xml, const std::string& tag)
+{
+    std::vector<std::string> out;
+    std::size_t at = 0;
+    for (;;) {
+        std::size_t open = xml.find("<" + tag, at);
+        while (open != std::string::npos && xml[open + 1 + tag.size()] != '>' && xml[open + 1 + tag.size()] != ' ')
+            open = xml.find("<" + tag, open + 1);
+        if (open == std::string::npos)
+            return out;
+        const std::size_t start = xml.find('>', open);
+        if (xml[start - 1] == '/') {
+            out.push_back(xml.substr(open, start - open));
+            at = start;
+            continue;
+        }
+        const std::size_t end = xml.find("</" + tag + ">", start);
+        out.push_back(xml.substr(open, end - open));
+        at = end;
+    }
+}
+
+std::string stripTags(const std::string& xml)
+{
+    std::string out;
+    bool inTag = false;
+    for (char c : xml) {
+        if (c == '<')
+            inTag = true;
+        else if (c == '>')
+            inTag = false;
+        else if (!inTag)
+            out += c;
+    }
+    return xmlText(out);
+}
+
+/// The cells of a worksheet of an xlsx file, row by row (shared or inline strings, numbers as written).
+Rows sheetRows(const std::string& sheetXml, const std::vector<std::string>& shared)
+{
+    Rows rows;
+    for (const std::string& rowXml : elements(sheetXml, "row")) {
+        Row row;
+        for (const std::string& c : elements(rowXml, "c")) {
+            const std::size_t r = c.find(" r=\"");
+            std::size_t column = 0;
+            for (std::size_t i = r + 4; i < c.size() && std::isalpha(static_cast<unsigned char>(c[i])); ++i)
+                column = column * 26 + std::size_t(c[i] - 'A' + 1);
+            if (row.size() < column)
+                row.resize(column);
+            std::string value;
+            const std::size_t head = c.find('>');
+            const std::string attrs = c.substr(0, head);
+            if (attrs.find("t=\"s\"") != std::string::npos) {
+                const auto v = elements(c, "v");
+                value = v.empty() ? "" : shared.at(std::stoul(stripTags(v.front())));
+            } else if (attrs.find("t=\"inlineStr\"") != std::string::npos) {
+                value = stripTags(c.substr(head + 1));
+            } else {
+                const auto v = elements(c, "v");
+                value = v.empty() ? "" : stripTags(v.front());
+            }
+            row[column - 1] = value;
+        }
+        rows.push_back(row);
+    }
+    return rows;
+}
 
 class CorrectionsRoadTest : public StocktakeProjectFixture {
 protected:
@@ -473,6 +605,80 @@ protected:
         EXPECT_EQ(history.size(), haveHistory.size()) << "a decision twice in the history";
     }
 
+
+    /// The accepted proposals as the outputs must show them, per kind in list order: rows of
+    /// cells by column name.
+    std::map<std::string, std::vector<std::map<std::string, std::string>>> acceptedRows(const std::vector<Proposal>& list) const
+    {
+        std::map<std::string, std::vector<std::map<std::string, std::string>>> out;
+        for (const char* kind : {kArtStandort, kArtNeu, kArtFehlt, kArtKlaeren})
+            out[kind];
+        for (const Proposal& p : list) {
+            const auto k = kept.find(idOf(p.art, p.invNr));
+            if (k == kept.end() || k->second.entscheidung != kAngenommen || k->second.evidence != evidence(p))
+                continue;
+            const Proposal& e = expected.at(idOf(p.art, p.invNr)).p;
+            std::map<std::string, std::string> row = {{"Inventarnummer", key(e.invNr)},
+                                                      {"Artikelnummer", e.artNr},
+                                                      {"Bezeichnung", e.beschreibung},
+                                                      {"Kommentar", k->second.kommentar},
+                                                      {"Entschieden_von", k->second.person}};
+            if (p.art == kArtStandort) {
+                row["Raum_alt"] = e.raumQuarn;
+                row["Raum_neu"] = e.raumNeu;
+                row["Gebaeudeteil"] = buildingPart(e.raumNeu);
+                row["Datum"] = e.datum;
+                row["Auftrag"] = nameSet(e.auftraege);
+            } else if (p.art == kArtNeu) {
+                row["Raum"] = e.raumNeu;
+                row["Gebaeudeteil"] = buildingPart(e.raumNeu);
+                row["Datum"] = e.datum;
+                row["Auftrag"] = nameSet(e.auftraege);
+            } else if (p.art == kArtFehlt) {
+                row["Raum"] = e.raumQuarn;
+                row["Gebaeudeteil"] = buildingPart(e.raumQuarn);
+                row["Auftrag"] = nameSet(e.auftraege);
+            } else {
+                row["Raum_Quarn"] = e.raumQuarn;
+                row["Raeume"] = keySetOf(e.raeume);
+                row["Auftraege"] = nameSet(e.auftraege);
+                row["Datum"] = e.datum;
+            }
+            out[p.art].push_back(row);
+        }
+        return out;
+    }
+
+    /// Compares a table of an output (headings in its first row) with the accepted proposals of a kind.
+    void expectOutputRows(const std::string& what, const Rows& table,
+                          const std::vector<std::map<std::string, std::string>>& want)
+    {
+        SCOPED_TRACE(what);
+        ASSERT_FALSE(table.empty()) << "no heading line";
+        const Row& head = table.front();
+        ASSERT_EQ(table.size() - 1, want.size()) << "rows";
+        for (std::size_t i = 0; i < want.size(); ++i) {
+            const Row& row = table[i + 1];
+            for (const auto& [column, value] : want[i]) {
+                const auto at = std::find(head.begin(), head.end(), column);
+                ASSERT_NE(at, head.end()) << "no column " << column;
+                const std::size_t c = std::size_t(at - head.begin());
+                std::string got = c < row.size() ? row[c] : "";
+                if (column == "Inventarnummer")
+                    got = key(got);
+                else if (column == "Auftrag" || column == "Auftraege")
+                    got = nameSet(got);
+                else if (column == "Raeume")
+                    got = keySetOf(got);
+                EXPECT_EQ(rtrim(got), rtrim(value)) << "row " << i + 1 << ", column " << column;
+            }
+            const auto at = std::find(head.begin(), head.end(), "Entschieden_am");
+            ASSERT_NE(at, head.end()) << "no column Entschieden_am";
+            const std::size_t c = std::size_t(at - head.begin());
+            EXPECT_TRUE(c < row.size() && isTime(row[c])) << "row " << i + 1 << ": " << (c < row.size() ? row[c] : "");
+        }
+    }
+
     static bool isTime(const std::string& t)
     {
         if (t.size() != 19)
@@ -605,6 +811,64 @@ TEST_P(CorrectionsRoadTest, everyProposalAsComputedAndDecisionsFollowTheProject)
         // Decided anew, the changed proposal holds its new decision.
         decide(d, list, {moved}, kAngenommen, "Neuer Raum bestätigt", "Schulz");
         checkDecisions(d, list, "the changed proposal decided anew");
+
+        // The outputs: the accepted proposals whose evidence is as decided, per kind, row by row.
+        const auto want = acceptedRows(list);
+        std::size_t accepted = 0;
+        for (const auto& [kind, rows] : want)
+            accepted += rows.size();
+        EXPECT_GE(accepted, 5u);
+        const std::vector<ReviewedProposal> now = d.review(list);
+        const std::string csvFolder = root.file("Export_csv"), xlsxFolder = root.file("Export_xlsx");
+        fs::create_directories(csvFolder);
+        fs::create_directories(xlsxFolder);
+        try {
+            exportCorrections(now, csvFolder, CorrectionFormat::Csv);
+            exportCorrections(now, xlsxFolder, CorrectionFormat::Xlsx);
+        } catch (const std::exception& e) {
+            FAIL() << "exportCorrections: " << e.what();
+        }
+        const std::vector<std::string> kinds = {kArtStandort, kArtNeu, kArtFehlt, kArtKlaeren};
+        const std::vector<std::string> csvNames = {"Korrekturen_Standort.csv", "Korrekturen_Neu.csv",
+                                                   "Korrekturen_Fehlt.csv", "Korrekturen_Klaeren.csv"};
+        for (std::size_t k = 0; k < kinds.size(); ++k)
+            expectOutputRows(csvNames[k], parseCsv(readFile(csvFolder + "/" + csvNames[k])), want.at(kinds[k]));
+
+        const std::string workbook = xlsxFolder + "/" + kCorrectionWorkbook;
+        ASSERT_TRUE(fs::exists(workbook));
+        const CliRun sharedXml = runProgram("/usr/bin/unzip", {"-p", workbook, "xl/sharedStrings.xml"});
+        std::vector<std::string> shared;
+        for (const std::string& si : elements(sharedXml.out, "si"))
+            shared.push_back(stripTags(si));
+        const CliRun workbookXml = runProgram("/usr/bin/unzip", {"-p", workbook, "xl/workbook.xml"});
+        std::vector<std::string> sheetNames;
+        for (const std::string& s : elements(workbookXml.out, "sheet")) {
+            const std::size_t n = s.find("name=\"");
+            sheetNames.push_back(xmlText(s.substr(n + 6, s.find('"', n + 6) - n - 6)));
+        }
+        EXPECT_EQ(sheetNames, kinds) << "the sheets, one per kind in kind order";
+        for (std::size_t k = 0; k < kinds.size(); ++k) {
+            const CliRun sheet =
+                runProgram("/usr/bin/unzip", {"-p", workbook, "xl/worksheets/sheet" + std::to_string(k + 1) + ".xml"});
+            ASSERT_EQ(sheet.code, 0) << sheet.err;
+            expectOutputRows("Korrekturen.xlsx, sheet " + kinds[k], sheetRows(sheet.out, shared), want.at(kinds[k]));
+        }
+
+        // The Inventurprotokoll: the accepted corrections and the signature lines.
+        const std::string pdf = root.file("Inventurprotokoll.pdf");
+        expectCli(0, {"bericht", "--projekt-weit", "protokoll", "--ausgabe", pdf});
+        const CliRun text = runProgram("/usr/bin/pdftotext", {"-layout", pdf, "-"});
+        ASSERT_EQ(text.code, 0) << text.err;
+        EXPECT_NE(text.out.find("Inventurprotokoll"), std::string::npos) << text.out;
+        EXPECT_NE(text.out.find("Inventurleitung"), std::string::npos) << text.out;
+        EXPECT_NE(text.out.find("Anlagenverantwortliche(r)"), std::string::npos) << text.out;
+        std::string lowered = text.out;
+        for (char& c : lowered)
+            c = char(std::tolower(static_cast<unsigned char>(c)));
+        for (const auto& [kind, rows] : want)
+            for (const auto& row : rows)
+                EXPECT_NE(lowered.find(row.at("Inventarnummer")), std::string::npos)
+                    << kind << " " << row.at("Inventarnummer") << " accepted, not in the protocol";
     }
 }
 
