@@ -505,8 +505,17 @@ TEST_P(EvaluationRun, EvaluationAndDifferenceShowTheSameFreshList)
     importAll();
     w->mnuReportFkt_Click(reportmenu::Inventurauswertung);
     const auto first = rows();
+    ASSERT_FALSE(first.empty());
     w->mnuReportFkt_Click(reportmenu::Differenz);
     expectRows(rows(), first);
+    // "&Differenz" evaluates afresh: a room set to "L" meanwhile is in its list.
+    ASSERT_TRUE(rowsOf("105").empty());
+    sql().execute("UPDATE T_Raum SET ststatus = 'L' WHERE stRaumNr = '105'");
+    w->mnuReportFkt_Click(reportmenu::Differenz);
+    ASSERT_EQ(rowsOf("105").size(), 1u);
+    EXPECT_EQ(rowsOf("105")[0].soll, "INV-006");
+    ASSERT_EQ(ui.reports.size(), 3u);
+    ui.reports.pop_back();
     ASSERT_EQ(ui.reports.size(), 2u);
     EXPECT_EQ(ui.reports[0].title, ui.reports[1].title);
     EXPECT_NE(ui.reports[0].reportFile, ui.reports[1].reportFile);
