@@ -11,7 +11,8 @@
 //    Where it was seen in more than one room, the latest scan's room counts; the orders that
 //    saw it there are listed.
 //  - "Neu erfassen": a number of L_Unbekannt, in the room of its first scan.
-//  - "Fehlt": a number of L_Fehlend (no order scanned it) in a checked room.
+//  - "Fehlt": a number of L_Fehlend (no order scanned it) in a checked room, with every order
+//    whose difference list misses it ("3b").
 // A number thus has at most one proposal: Quarn knows the numbers of "Standort ändern" and
 // "Fehlt" and not those of "Neu erfassen"; "Fehlt" has no scan; "Klären" stands alone.
 
@@ -323,7 +324,13 @@ std::vector<Proposal> missing(Database& result, const CheckedRooms& rooms, const
         p.art = kArtFehlt;
         p.beschreibung = text(r[1]);
         p.artNr = text(r[2]);
-        p.auftraege = text(r[3]);
+        // Every order that misses it (a room that several orders have), not only the first.
+        std::vector<std::string> orders{text(r[3])};
+        const Recordset missedBy =
+            result.query("SELECT stAuftrag FROM P_Diff WHERE stSollInvNR = ?1 AND stTyp = ?2", {p.invNr, category::k3b});
+        for (const auto& o : missedBy.rows())
+            orders.push_back(text(o[0]));
+        p.auftraege = joinDistinct(orders);
         p.raeume = p.raumQuarn;
         p.gebaeudeteil = rooms.partOf(p.raumQuarn);
         p.beleg = evidence({p.raumQuarn, p.auftraege});

@@ -228,6 +228,21 @@ TEST(CorrectionProposals, AnObjectNoOrderFoundIsMissingInQuarnsRoom)
                                                         "", "", "", kLabor, "2002|Süd"}));
 }
 
+TEST(CorrectionProposals, AMissingObjectNamesEveryOrderThatMissesIt)
+{
+    Result r;
+    // Nord and Süd both have room 1001; neither found it. The list holds the first order's row.
+    for (const char* auftrag : {"Süd", "Nord"})
+        r.db->execute("INSERT INTO P_Diff (stAuftrag, stRaumNr, stSollInvNR, stTyp, stBeschreibung, stArtNr) "
+                      "VALUES (?1, '1001', 'I720', ?2, 'Schrank', 'A7')",
+                      {std::string(auftrag), std::string(category::k3b)});
+    r.missing("I720", "Schrank", "A7", "Nord", "1001");
+    const auto all = r.proposals();
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].auftraege, "Nord, Süd");
+    EXPECT_EQ(all[0].beleg, "1001|Nord, Süd");
+}
+
 TEST(CorrectionProposals, ANumberScannedInSeveralOrdersInDifferentRoomsIsToBeClarifiedAndNothingElse)
 {
     Result r;
