@@ -396,6 +396,8 @@ void CorrectionListWindow::decideSelected(const std::string& entscheidung)
     txKommentar->clear();
     reload();
     setStatus(QString::fromStdString(decidedStatusText(int(keys.size()), entscheidung)));
+    // The next rows are chosen in the list: the keyboard goes back there.
+    lvVorschlaege->setFocus(Qt::OtherFocusReason);
 }
 
 void CorrectionListWindow::updateButtons()

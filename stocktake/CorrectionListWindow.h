@@ -7,7 +7,8 @@
 // decisions whose proposal disappeared. A program that may only look at the project opens the
 // decisions read-only: the buttons that decide are out of use and the status line says why.
 // Everything works from the keyboard: Tab reaches every control, the labels and buttons have
-// their mnemonics, and the return key in the list changes nothing.
+// their mnemonics, the return key in the list changes nothing, and after a decision the
+// keyboard is back in the list.
 
 #include "CorrectionExport.h"
 #include "CorrectionTable.h"

@@ -422,6 +422,9 @@ TEST_F(CorrectionListWindowTest, EveryControlIsReachedByTabAndTheRoadWorksByKeyb
     EXPECT_EQ(decisionOf(*window->lvVorschlaege, "I101"), QStringLiteral("angenommen"));
     EXPECT_EQ(itemOf(*window->lvVorschlaege, "I101")->text(korrcol::Kommentar), QStringLiteral("gesehen"));
     EXPECT_EQ(decisionOf(*window->lvVorschlaege, "I102"), QStringLiteral("offen"));
+    // The keyboard is back in the list, the rows still selected.
+    EXPECT_EQ(QApplication::focusWidget(), window->lvVorschlaege);
+    EXPECT_EQ(window->lvVorschlaege->selectedItems().size(), 2);
 
     // Alt+B rejects them, Alt+O leaves them open again.
     QTest::keyClick(window.get(), Qt::Key_B, Qt::AltModifier);
