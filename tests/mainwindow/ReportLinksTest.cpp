@@ -327,6 +327,32 @@ TEST_F(ReportLinksTest, QueriesOfEveryModuleRunAgainstTheirTables)
     EXPECT_TRUE(ui.messages.empty());
 }
 
+TEST(ReportQueries, DiffListeIsItsTwelvePiecesForEachModule)
+{
+    const char* tables[] = {"T_IObjekt", "T_TObjekt", "T_BObjekt"};
+    for (std::int16_t m : {0, 1, 2}) {
+        const std::string x = tables[m];
+        const std::string piece4 =
+            m == 0 ? "t_Differenzliste.Uhrzeit, t_Differenzliste.iReihenfolge, t_Differenzliste.stTyp, "
+                     "t_Differenzliste.stObjBemerkung,  "
+                   : "t_Differenzliste.Uhrzeit, t_Differenzliste.iReihenfolge, t_Differenzliste.stTyp,  ";
+        const std::string want =
+            std::string("SELECT t_Differenzliste.lID, t_Differenzliste.lRaumId, t_Differenzliste.stSollInvNR,  ") +
+            "t_Differenzliste.stIstInvNR, t_Differenzliste.stBeschreibung, t_Differenzliste.stZiel,  " +
+            "t_Differenzliste.stQuelle, t_Differenzliste.stQuarn, t_Differenzliste.stArtNr, t_Differenzliste.Datum,  " +
+            piece4 +
+            "[T_AnsprechPartner]![stName]+\", \"+[T_AnsprechPartner]![stVorname] AS Name, T_KST.stKST, t_Raum.lID,  " +
+            "t_Raum.lIdRB, t_Raum.stRaumNr, t_Raum.stStatus, t_Raum.lDatId, t_Raum.Datum, t_Raum.Uhrzeit,  " +
+            "t_Raum.iAnzahl, t_Raum.stAuftrag, " + x + ".iVariante FROM (((t_Differenzliste LEFT JOIN t_Raum ON  " +
+            "t_Differenzliste.lRaumId = t_Raum.lID) LEFT JOIN (T_Raumkern LEFT JOIN T_AnsprechPartner ON  " +
+            "T_Raumkern.lRaumverantwId = T_AnsprechPartner.lId) ON t_Raum.lIdRB = T_Raumkern.lId) LEFT JOIN  " +
+            x + " ON t_Differenzliste.stIstInvNR = " + x + ".stName) LEFT JOIN T_KST ON " + x + ".lKstId = T_KST.lId " +
+            "Where (" + x + ".iVariante = 0 And t_Differenzliste.stIstInvNR <> \"\") Or  " +
+            "(t_Differenzliste.stSollInvNR <> \"\" And t_Differenzliste.stIstInvNR = \"\")";
+        EXPECT_EQ(std::string(diffListeQuery(m).jet), want) << m;
+    }
+}
+
 TEST(ReportQueries, JetTextsAreKeptAsDesigned)
 {
     EXPECT_EQ(std::string(anzProRaumQuery(1).jet),
