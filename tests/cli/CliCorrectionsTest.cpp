@@ -23,55 +23,6 @@
 namespace qi::test {
 namespace {
 
-std::vector<std::string> split(const std::string& text, char separator)
-{
-    std::vector<std::string> parts;
-    std::string part;
-    std::istringstream in(text);
-    while (std::getline(in, part, separator))
-        parts.push_back(part);
-    if (!text.empty() && text.back() == separator)
-        parts.emplace_back();
-    return parts;
-}
-
-std::vector<std::string> linesOf(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-/// A child process that holds the project's lock, as another program working on it does.
-class OtherProgram {
-public:
-    explicit OtherProgram(const std::string& project)
-        : pid_(startHoldingChild([&](const ChildReady& ready) {
-              ProjectLock lock(project);
-              ready(lock.held());
-          }))
-    {
-    }
-    ~OtherProgram()
-    {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    bool held() const { return pid_ > 0; }
-
-private:
-    pid_t pid_ = -1;
-};
-
 constexpr const char* kHeading = "Art\tInventar-Nr.\tRaum alt\tRaum neu\tAufträge\tEntscheidung\tKommentar\tPerson";
 
 enum Field { FArt, FNr, FAlt, FNeu, FAuftraege, FEntscheidung, FKommentar, FPerson };
@@ -94,7 +45,7 @@ protected:
         EXPECT_EQ(lines.front(), kHeading);
         std::vector<std::vector<std::string>> rows;
         for (std::size_t i = 1; i < lines.size(); ++i) {
-            rows.push_back(split(lines[i], '\t'));
+            rows.push_back(splitFields(lines[i], '\t'));
             EXPECT_EQ(rows.back().size(), 8u) << lines[i];
         }
         return rows;
@@ -287,7 +238,7 @@ TEST_F(CliCorrectionsTest, ExportsHoldTheAcceptedRowsOfTheList)
         for (std::size_t i = 0; i < expected.size(); ++i) {
             const std::string& line = lines[i + 1];
             EXPECT_EQ(line.substr(0, line.find(';')), expected[i][FNr]);
-            const std::vector<std::string> cells = split(line, ';');
+            const std::vector<std::string> cells = splitFields(line, ';');
             EXPECT_EQ(cells[std::size_t(oldColumn)], expected[i][FAlt]);
             if (newColumn >= 0) {
                 EXPECT_EQ(cells[std::size_t(newColumn)], expected[i][FNeu]);

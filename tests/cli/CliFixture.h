@@ -24,6 +24,11 @@ struct CliRun {
     std::string err; ///< standard error
 };
 
+/// The fields of a line split at `separator`; a separator at the end gives an empty last field.
+std::vector<std::string> splitFields(const std::string& text, char separator);
+/// The lines of a text, without their line ends (CR LF or LF).
+std::vector<std::string> linesOf(const std::string& text);
+
 /// Runs `program` with `args`, standard output and error to files (not a terminal).
 CliRun runProgram(const std::string& program, const std::vector<std::string>& args);
 /// Runs `program` with `args` on a pseudo-terminal (standard output and error both): its output.

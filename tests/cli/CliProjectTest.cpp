@@ -24,56 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> split(const std::string& text, char separator)
-{
-    std::vector<std::string> parts;
-    std::string part;
-    std::istringstream in(text);
-    while (std::getline(in, part, separator))
-        parts.push_back(part);
-    if (!text.empty() && text.back() == separator && separator == '\t')
-        parts.emplace_back();
-    return parts;
-}
-
-/// The lines of a text, without line ends.
-std::vector<std::string> linesOf(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-/// A child process that holds the project's lock, as another program working on it does.
-class OtherProgram {
-public:
-    explicit OtherProgram(const std::string& project)
-        : pid_(startHoldingChild([&](const ChildReady& ready) {
-              ProjectLock lock(project);
-              ready(lock.held());
-          }))
-    {
-    }
-    ~OtherProgram()
-    {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    bool held() const { return pid_ > 0; }
-
-private:
-    pid_t pid_ = -1;
-};
-
 const char* kOverviewHeading = "Auftrag\tStand\tRäume N\tRäume E\tRäume L\tRäume fertig %\tDateien\tScans\tErwartet\t"
                                "Am Platz\tGefunden %\t1\t2a\t2b\t2c\t3a\t3b\tLetzter Scan";
 
@@ -101,7 +51,7 @@ protected:
         prepareOrder("EG");
         const CliRun evaluated = expectCli(0, {"auswerten", "EG"});
         for (const std::string& line : linesOf(evaluated.out)) {
-            const std::vector<std::string> f = split(line, '\t');
+            const std::vector<std::string> f = splitFields(line, '\t');
             if (f.size() == 2 && f[0] != "Kategorie")
                 categories[f[0].substr(0, f[0].find(' '))] = f[1];
         }
@@ -110,7 +60,7 @@ protected:
         const std::vector<std::string> egRooms = orderRooms();
         std::string ogScans;
         for (const std::string& line : linesOf(readFile(scanFile("Scan_Raum_ausserhalb.dat")))) {
-            const std::vector<std::string> f = split(line, ',');
+            const std::vector<std::string> f = splitFields(line, ',');
             if (f.size() < 8)
                 continue;
             std::string room = f[4];
@@ -138,7 +88,7 @@ protected:
     {
         std::vector<std::vector<std::string>> rows;
         for (const std::string& line : linesOf(r.out))
-            rows.push_back(split(line, '\t'));
+            rows.push_back(splitFields(line, '\t'));
         return rows;
     }
 
@@ -216,9 +166,9 @@ TEST_F(CliProjectTest, EveryListHasItsHeadingLineAndRowsOfItsColumns)
         ASSERT_FALSE(lines.empty());
         ASSERT_TRUE(kListHeadings.count(name));
         EXPECT_EQ(lines[0], kListHeadings.at(name));
-        const std::size_t columns = split(lines[0], '\t').size();
+        const std::size_t columns = splitFields(lines[0], '\t').size();
         for (std::size_t i = 1; i < lines.size(); ++i)
-            EXPECT_EQ(split(lines[i], '\t').size(), columns) << lines[i];
+            EXPECT_EQ(splitFields(lines[i], '\t').size(), columns) << lines[i];
     }
 }
 
@@ -236,7 +186,7 @@ TEST_F(CliProjectTest, ListsTellTheCasesOfTheseTwoOrders)
     const std::vector<std::string> unchecked = linesOf(expectCli(0, {"projekt", "--liste", "ungeprueft"}).out);
     EXPECT_EQ(unchecked.size() - 1, inst.rooms.size() - orderRooms().size() - 2);
     for (std::size_t i = 1; i < unchecked.size(); ++i)
-        EXPECT_EQ(split(unchecked[i], '\t').back(), kNichtGeprueft);
+        EXPECT_EQ(splitFields(unchecked[i], '\t').back(), kNichtGeprueft);
     // No room belongs to both orders.
     EXPECT_EQ(linesOf(expectCli(0, {"projekt", "--liste", "ueberschneidung"}).out).size(), 1u);
 }

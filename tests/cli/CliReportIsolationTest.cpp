@@ -63,46 +63,13 @@ int waitFor(pid_t pid)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// A child process that holds the project's lock, as another program working on it does,
-/// until it is killed.
-class OtherProgram {
-public:
-    explicit OtherProgram(const std::string& project)
-        : pid_(startHoldingChild([&](const ChildReady& ready) {
-              ProjectLock lock(project);
-              ready(lock.held());
-          }))
-    {
-    }
-    ~OtherProgram()
-    {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    bool held() const { return pid_ > 0; }
-
-private:
-    pid_t pid_ = -1;
-};
-
 /// The lines of a CSV written by the program: the heading, then the rows (byte-order mark dropped).
 std::vector<std::string> csvLines(const std::string& file)
 {
     std::string text = readFile(file);
     if (text.rfind("\xEF\xBB\xBF", 0) == 0)
         text.erase(0, 3);
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
+    return linesOf(text);
 }
 
 /// The rows of a report's pages as text (lines that show a row start with two blanks and

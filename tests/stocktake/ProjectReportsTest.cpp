@@ -4,6 +4,8 @@
 
 #include "ProjectReports.h"
 
+#include "CliFixture.h"
+
 #include "Database.h"
 #include "ProjectResultSchema.h"
 #include "ReportDefinition.h"
@@ -30,14 +32,7 @@ std::vector<std::string> csvLines(const std::string& path)
     std::string text = readFile(path);
     EXPECT_EQ(text.rfind("\xEF\xBB\xBF", 0), 0u);
     text.erase(0, 3);
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
+    return linesOf(text);
 }
 
 /// Two orders: "EG" with three rooms (one of each status), "OG" never evaluated with one room;

@@ -1,5 +1,7 @@
 #include "HoldingChild.h"
 
+#include "ProjectLock.h"
+
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -38,6 +40,22 @@ pid_t startHoldingChild(const std::function<void(const ChildReady& ready)>& take
         return -1;
     }
     return pid;
+}
+
+OtherProgram::OtherProgram(const std::string& project)
+    : pid_(startHoldingChild([&](const ChildReady& ready) {
+          ProjectLock lock(project);
+          ready(lock.held());
+      }))
+{
+}
+
+OtherProgram::~OtherProgram()
+{
+    if (pid_ > 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+    }
 }
 
 } // namespace qi::test

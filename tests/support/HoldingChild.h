@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <string>
 
 namespace qi::test {
 
@@ -16,5 +17,20 @@ using ChildReady = std::function<void(bool got)>;
 /// hold. Returns the child's id once it got it; -1 when it did not (the child is then killed)
 /// or no child could be started. The caller kills the child with SIGKILL and waits for it.
 pid_t startHoldingChild(const std::function<void(const ChildReady& ready)>& take);
+
+/// Another program working on the project: a child process that holds the project's lock
+/// until the object is destroyed.
+class OtherProgram {
+public:
+    explicit OtherProgram(const std::string& project);
+    ~OtherProgram();
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+    /// True when the child got the lock.
+    bool held() const { return pid_ > 0; }
+
+private:
+    pid_t pid_ = -1;
+};
 
 } // namespace qi::test
