@@ -4,6 +4,7 @@
 #include "FileSystem.h"
 #include "ListView.h"
 #include "ProjectReports.h"
+#include "QtTexts.h"
 #include "ReportPreview.h"
 #include "UserInteraction.h"
 #include "WindowState.h"
@@ -31,14 +32,6 @@ namespace {
 constexpr const char* kWindowKey = "CorrectionListWindow";
 /// The widest a column becomes when it is fitted to what it shows.
 constexpr int kWidestColumn = 200;
-
-QStringList qtTexts(const std::vector<std::string>& texts)
-{
-    QStringList out;
-    for (const std::string& t : texts)
-        out << QString::fromStdString(t);
-    return out;
-}
 
 /// What a row of the list stands for: its kind and number.
 QString keyOf(const Proposal& p) { return QString::fromStdString(p.art) + QChar(u'\n') + QString::fromStdString(p.invNr); }

@@ -5,6 +5,7 @@
 #include "ListView.h"
 #include "OverviewTables.h"
 #include "ProjectReports.h"
+#include "QtTexts.h"
 #include "ReportPreview.h"
 #include "UserInteraction.h"
 #include "WindowState.h"
@@ -33,14 +34,6 @@ namespace {
 constexpr const char* kWindowKey = "ProjectOverviewWindow";
 /// The widest a column becomes when it is fitted to what it shows.
 constexpr int kWidestColumn = 220;
-
-QStringList qtTexts(const std::vector<std::string>& texts)
-{
-    QStringList out;
-    for (const std::string& t : texts)
-        out << QString::fromStdString(t);
-    return out;
-}
 
 /// Puts the rows of `table` that contain `filter` into `list` (keys in the first column's data)
 /// and sorts them again.
