@@ -91,6 +91,13 @@ Database& QGebDb::building()
     return *geb_;
 }
 
+Database& QGebDb::objectDb()
+{
+    if (!obj_)
+        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
+    return *obj_;
+}
+
 bool QGebDb::IsOpen() const { return geb_ != nullptr; }
 
 std::optional<GebStruktur> QGebDb::GetGebStruktur(int /*what*/)
@@ -151,13 +158,8 @@ bool QGebDb::GetRoomsOfNode(std::int32_t nodeId, std::vector<GebRoom>& rooms, in
 bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& objects)
 {
     objects.clear();
-    if (!obj_) {
-        if (lastError_.empty())
-            lastError_ = kNotOpen;
-        return false;
-    }
     try {
-        Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        Statement& st = objectDb().prepare(moduleSql(prefix_, [](const std::string& p) {
             return "SELECT o.stName, o.stBeschreibung, a.stArtNr FROM " + p + "Objekt o LEFT JOIN " + p +
                    "Artikel a ON a.lId = o.lArtikelId "
                    "WHERE o.lGebstruId = ?1 AND " +
@@ -179,13 +181,8 @@ bool QGebDb::GetObjectsOfRoom(std::int32_t roomId, std::vector<RoomObject>& obje
 bool QGebDb::GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string>>& names)
 {
     names.clear();
-    if (!obj_) {
-        if (lastError_.empty())
-            lastError_ = kNotOpen;
-        return false;
-    }
     try {
-        Statement& st = obj_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        Statement& st = objectDb().prepare(moduleSql(prefix_, [](const std::string& p) {
             return "SELECT o.lGebstruId, o.stName FROM " + p + "Objekt o WHERE " + kStandingInRoom +
                    " ORDER BY o.lGebstruId, o.lId";
         }));
@@ -204,9 +201,7 @@ bool QGebDb::GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string
 
 std::string QGebDb::ObjectsFile()
 {
-    if (!obj_)
-        throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
-    return obj_->path();
+    return objectDb().path();
 }
 
 std::string QGebDb::ObjectsOfRoomQuery(const std::string& schema) const

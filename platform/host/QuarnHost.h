@@ -102,6 +102,8 @@ public:
 private:
     /// The open building database; throws DbError (LastError's text) when not open.
     Database& building();
+    /// The open object database; throws DbError (LastError's text) when not open.
+    Database& objectDb();
     std::unique_ptr<Database> geb_;
     std::unique_ptr<Database> obj_;
     std::string appFolder_;

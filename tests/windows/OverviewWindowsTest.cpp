@@ -455,9 +455,7 @@ protected:
         openOrder("Erdgeschoss");
         ASSERT_NE(work(), nullptr);
         chooseFirstFloor();
-        ui.fileChoices = {scanFile("Scan_EG_Teil1.dat"), scanFile("Scan_EG_Teil2.dat")};
-        work()->pbAdd->click();
-        work()->pbAdd->click();
+        addDemoScanFiles();
         for (const RecordedMessage& m : ui.messages)
             ASSERT_NE(m.icon, MsgIcon::Critical) << m.text;
         ui.messages.clear();

@@ -95,6 +95,13 @@ void ProgramFixture::chooseFirstFloor()
     work()->pbRooms->click();
 }
 
+void ProgramFixture::addDemoScanFiles()
+{
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat"), scanFile("Scan_EG_Teil2.dat")};
+    work()->pbAdd->click();
+    work()->pbAdd->click();
+}
+
 QTreeWidgetItem* ProgramFixture::itemWithText(QTreeWidget& view, const QString& text)
 {
     for (int i = 0; i < view.topLevelItemCount(); ++i)

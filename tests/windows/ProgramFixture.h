@@ -74,6 +74,8 @@ protected:
     std::int32_t firstFloor() const;
     /// Puts the rooms of the first floor into the open order through the room selection.
     void chooseFirstFloor();
+    /// Adds both of the demo's ground-floor scanner files to the open order through "&Hinzufügen".
+    void addDemoScanFiles();
 
     /// Item of a tree or list view whose first column reads `text`, or null.
     static QTreeWidgetItem* itemWithText(QTreeWidget& view, const QString& text);

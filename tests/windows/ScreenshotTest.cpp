@@ -54,9 +54,7 @@ TEST_F(ScreenshotTest, WorkWindowWithData)
     openOrder("Erdgeschoss");
     ASSERT_NE(work(), nullptr);
     chooseFirstFloor();
-    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat"), scanFile("Scan_EG_Teil2.dat")};
-    work()->pbAdd->click();
-    work()->pbAdd->click();
+    addDemoScanFiles();
     const auto rooms = inst.roomsOfFloor(firstFloor());
     expectOnScreen(*work(), QStringLiteral("work"),
                    {"&Datei", "&Berichte", "&Fehlerlisten (Auftragsbereich)", "Auftragsräume",
