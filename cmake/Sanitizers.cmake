@@ -19,6 +19,8 @@ endif()
 if(QI_SANITIZE)
   set(QI_SANITIZER_FLAGS -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_compile_options(${QI_SANITIZER_FLAGS})
+  # -O1 keeps the sanitizers' reports exact and compiles in less than half the time of -O2.
+  add_compile_options(-O1)
   add_link_options(${QI_SANITIZER_FLAGS})
   # The instrumentation hides initialisations from GCC's flow analysis, which then reports
   # false -Wmaybe-uninitialized hits inside the standard library; the normal build keeps it.
