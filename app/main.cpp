@@ -1,6 +1,7 @@
 // QInventur: stocktaking orders beside Quarn.
 
 #include "FileSystem.h"
+#include "FirstStart.h"
 #include "ProgramWindows.h"
 #include "QtUserInteraction.h"
 #include "ReportViewer.h"
@@ -30,7 +31,12 @@ int main(int argc, char** argv)
     qi::QtUserInteraction ui;
     qi::installFrmFehler(ui);
     qi::installReportPreview(ui);
-    qi::frmMain window(ui, qi::programFolder());
+    // An installed program keeps its writable files in the user's own program folder; on its first
+    // start without a project it asks for one, and ends quietly when the user cancels.
+    const qi::ProgramFolders folders = qi::programFolders(qi::programFolder());
+    if (qi::needsProjectChoice(folders) && !qi::chooseFirstProject(folders, ui))
+        return 0;
+    qi::frmMain window(ui, folders);
     qi::connectWindows(window);
     ui.setParent(&window);
     window.Form_Load();

@@ -204,7 +204,9 @@ int Session::run()
     }
 
     // Without a project to work on the command is refused before anything is written anywhere.
-    const std::string noProject = inv_.projekt.empty() ? missingProjectOfQuarnIni(programFolder_)
+    // An installed program's writable files lie in the user's own program folder.
+    const ProgramFolders folders = programFolders(programFolder_);
+    const std::string noProject = inv_.projekt.empty() ? missingProjectOfQuarnIni(folders)
                                                        : emptyGivenProject(absolutePath(inv_.projekt));
     if (!noProject.empty()) {
         say(noProject);
@@ -219,10 +221,10 @@ int Session::run()
     });
 
     if (inv_.projekt.empty()) {
-        startup_ = RunStartup(programFolder_, settings_, ui_);
+        startup_ = RunStartup(folders, settings_, ui_);
     } else {
-        const GivenProject profile(programFolder_ + "\\Quarn.ini", absolutePath(inv_.projekt));
-        startup_ = RunStartup(programFolder_, settings_, ui_, profile);
+        const GivenProject profile(quarnIniFolder(folders) + "\\" + kQuarnIni, absolutePath(inv_.projekt));
+        startup_ = RunStartup(folders, settings_, ui_, profile);
     }
     if (!startup_.completed)
         return kProjectUnusable;

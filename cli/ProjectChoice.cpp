@@ -34,6 +34,16 @@ std::string missingProjectOfQuarnIni(const std::string& programFolder)
     return {};
 }
 
+std::string missingProjectOfQuarnIni(const ProgramFolders& folders)
+{
+    if (!needsProjectChoice(folders))
+        return missingProjectOfQuarnIni(quarnIniFolder(folders));
+    std::string text = kNoProjectChosen;
+    text.replace(text.find("%1"), 2, displayPath(folders.own + "\\" + kQuarnIni));
+    text.replace(text.find("%2"), 2, displayFolder(folders.installation + "\\" + kDemoFolder));
+    return text;
+}
+
 std::string emptyGivenProject(const std::string& folder)
 {
     if (folderExists(folder) && countFiles(folder) <= 0)

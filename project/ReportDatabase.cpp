@@ -112,7 +112,8 @@ std::string reportDatabasePath(const Settings& settings)
 
 std::string sharedReportDatabasePath(const Settings& settings)
 {
-    return settings.gstAppPfad + "\\" + kReportDatabaseFile;
+    return (settings.ownProgramFolder.empty() ? settings.gstAppPfad : settings.ownProgramFolder) + "\\" +
+           kReportDatabaseFile;
 }
 
 PrivateReportDatabase::PrivateReportDatabase() = default;

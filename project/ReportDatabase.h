@@ -30,7 +30,7 @@ inline constexpr const char* kQueryDiffListe = "Q_DiffListe";
 /// when they name one, else the program's private copy when it keeps one, else the shared file.
 std::string reportDatabasePath(const Settings& settings);
 /// The program folder's report database, shared by every program started from there:
-/// gstAppPfad + "\QInventurRpt.mdb".
+/// gstAppPfad + "\QInventurRpt.mdb", or the user's own program folder's when there is one.
 std::string sharedReportDatabasePath(const Settings& settings);
 
 /// The private copy of the report database of one running program (the windows, one run of

@@ -18,8 +18,11 @@ struct Settings {
     std::string gstProjekttyp;
     /// ODBC connection string of the host database (only for ODBC projects).
     std::string gstConnectionString;
-    /// The program's own folder.
+    /// The program's own folder: the programs, the template folder "Leeres Projekt", the help.
     std::string gstAppPfad;
+    /// The folder of the program's writable files ("QInventurRpt.mdb") when gstAppPfad can't be
+    /// written: the user's own program folder (ProgramFolder.h); empty when they lie in gstAppPfad.
+    std::string ownProgramFolder;
     /// Host module: 0 INVENTAR, 1 TECHNIK, 2 BRANDSCHUTZ.
     std::int16_t giModul = 0;
     /// Set by the room selection when rooms were taken out of an order.

@@ -78,20 +78,37 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
                          const ProfileService& profile)
 {
+    return RunStartup(ProgramFolders{programFolder, programFolder}, settings, ui, profile);
+}
+
+StartupResult RunStartup(const ProgramFolders& folders, Settings& settings, UserInteraction& ui)
+{
+    const ProfileService profile;
+    return RunStartup(folders, settings, ui, profile);
+}
+
+StartupResult RunStartup(const ProgramFolders& folders, Settings& settings, UserInteraction& ui,
+                         const ProfileService& profile)
+{
     StartupResult result;
     Steps step(ui);
+    const std::string& programFolder = folders.installation;
+    // The user's own "Quarn.ini" counts when it names a project, else the installation's.
+    const std::string iniFolder = quarnIniFolder(folders);
 
     // 1. The current project from the host's profile file.
     std::string projekt;
-    if (!step([&] { projekt = profile.ReadProfileValue(programFolder + "\\Quarn.ini", "Quarn", "Projekt", ""); }))
+    if (!step([&] {
+            projekt = profile.ReadProfileValue(iniFolder + "\\" + kQuarnIni, "Quarn", "Projekt", "");
+        }))
         return result;
     // 2. The caption shows the value as it stands.
     result.caption = "Aufträge im Projekt: '" + projekt + "'";
 
     // 3. The project folder: kept only when it exists and holds at least one file.
     if (!projekt.empty()) {
-        // A folder named relative to nothing lies below the program folder, wherever that was copied.
-        projekt = resolvePath(programFolder, projekt);
+        // A folder named relative to nothing lies below the folder of its "Quarn.ini", wherever that was copied.
+        projekt = resolvePath(iniFolder, projekt);
         if (projekt.back() != '\\')
             projekt += '\\';
         step.ignoreErrors();
@@ -173,8 +190,9 @@ StartupResult RunStartup(const std::string& programFolder, Settings& settings, U
         return result;
     }
 
-    // 9. The program folder.
+    // 9. The program folder, and the user's own when the program's writable files lie there.
     settings.gstAppPfad = programFolder;
+    settings.ownProgramFolder = folders.perUser() ? folders.own : std::string();
 
     // 10. Quarn's building database; on Jet projects also the module's objects for the per-room query.
     // Quarn's data are read through local mirrors, also by the report database's links; a server's

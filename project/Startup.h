@@ -8,6 +8,7 @@
 
 #include "CInventurDb.h"
 #include "ProfileFile.h"
+#include "ProgramFolder.h"
 #include "ProjectLock.h"
 #include "QuarnHost.h"
 #include "Settings.h"
@@ -53,6 +54,13 @@ struct StartupResult {
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui);
 /// The same with a given profile service (tests use one that fails on purpose).
 StartupResult RunStartup(const std::string& programFolder, Settings& settings, UserInteraction& ui,
+                         const ProfileService& profile);
+/// Start-up of a program whose writable files may lie in a program folder of the user's own
+/// (ProgramFolder.h): "Quarn.ini" is read from quarnIniFolder(folders) and a relative project value
+/// taken below that folder; gstAppPfad is the installation, and the report database lies in
+/// folders.own. With folders.own == folders.installation this is start-up in that folder.
+StartupResult RunStartup(const ProgramFolders& folders, Settings& settings, UserInteraction& ui);
+StartupResult RunStartup(const ProgramFolders& folders, Settings& settings, UserInteraction& ui,
                          const ProfileService& profile);
 
 /// Quarn's building component for the project of `settings`, as start-up opens it: the building

@@ -43,7 +43,12 @@ std::string trim(const std::string& s)
 } // namespace
 
 frmMain::frmMain(UserInteraction& ui, std::string programFolder, QWidget* parent)
-    : QMainWindow(parent), ui_(ui), programFolder_(std::move(programFolder))
+    : frmMain(ui, ProgramFolders{programFolder, programFolder}, parent)
+{
+}
+
+frmMain::frmMain(UserInteraction& ui, ProgramFolders folders, QWidget* parent)
+    : QMainWindow(parent), ui_(ui), folders_(std::move(folders))
 {
     buildWindow();
 }
@@ -109,7 +114,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-std::string frmMain::helpFile() const { return programFolder_ + "\\" + kHelpFile; }
+std::string frmMain::helpFile() const { return folders_.installation + "\\" + kHelpFile; }
 
 void frmMain::setActiveState(bool active)
 {
@@ -125,7 +130,7 @@ void frmMain::runModal(QDialog& dialog) { dialog.exec(); }
 
 void frmMain::Form_Load()
 {
-    StartupResult r = RunStartup(programFolder_, settings_, ui_);
+    StartupResult r = RunStartup(folders_, settings_, ui_);
     setWindowTitle(QString::fromStdString(r.caption));
     if (!r.completed)
         return;

@@ -11,6 +11,7 @@
 #include "Settings.h"
 #include "OrderWindow.h"
 #include "Orders.h"
+#include "ProgramFolder.h"
 #include "UserInteraction.h"
 
 #include <QMainWindow>
@@ -46,6 +47,9 @@ public:
     /// The window for the program folder `programFolder` (no trailing separator);
     /// everything shown to the user goes through `ui`. Form_Load runs the start-up.
     frmMain(UserInteraction& ui, std::string programFolder, QWidget* parent = nullptr);
+    /// The window of a program whose writable files may lie in the user's own program folder
+    /// (ProgramFolder.h); the help and the template are the installation's.
+    frmMain(UserInteraction& ui, ProgramFolders folders, QWidget* parent = nullptr);
     ~frmMain() override;
 
     /// Start-up: caption, settings, register and Quarn components, then the order list.
@@ -134,7 +138,7 @@ private:
     void showReadOnly();
 
     UserInteraction& ui_;
-    std::string programFolder_;
+    ProgramFolders folders_;
     Settings settings_;
     /// Held while this program works on the project (null when it may only look).
     std::shared_ptr<ProjectLock> projectLock_;

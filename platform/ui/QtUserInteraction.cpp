@@ -64,6 +64,18 @@ void showColumnsWhole(QFileDialog& dialog)
     }
 }
 
+/// The message box's icon for one of the system's icons.
+void setBoxIcon(QMessageBox& box, MsgIcon icon)
+{
+    switch (icon) {
+    case MsgIcon::Critical: box.setIcon(QMessageBox::Critical); break;
+    case MsgIcon::Exclamation: box.setIcon(QMessageBox::Warning); break;
+    case MsgIcon::Information: box.setIcon(QMessageBox::Information); break;
+    case MsgIcon::Question: box.setIcon(QMessageBox::Question); break;
+    case MsgIcon::None: box.setIcon(QMessageBox::NoIcon); break;
+    }
+}
+
 } // namespace
 
 QStringList qtNameFilters(const std::string& filter)
@@ -109,13 +121,7 @@ MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons butt
     QMessageBox box(dialogParent());
     box.setWindowTitle(QString::fromStdString(title));
     box.setText(displayText(text));
-    switch (icon) {
-    case MsgIcon::Critical: box.setIcon(QMessageBox::Critical); break;
-    case MsgIcon::Exclamation: box.setIcon(QMessageBox::Warning); break;
-    case MsgIcon::Information: box.setIcon(QMessageBox::Information); break;
-    case MsgIcon::Question: box.setIcon(QMessageBox::Question); break;
-    case MsgIcon::None: box.setIcon(QMessageBox::NoIcon); break;
-    }
+    setBoxIcon(box, icon);
     if (buttons == MsgButtons::YesNo) {
         box.addButton(QStringLiteral("&Ja"), QMessageBox::YesRole);
         QPushButton* no = box.addButton(QStringLiteral("&Nein"), QMessageBox::NoRole);
@@ -133,6 +139,45 @@ MsgResult QtUserInteraction::messageBox(const std::string& text, MsgButtons butt
     if (buttons == MsgButtons::YesNo)
         return box.buttonRole(box.clickedButton()) == QMessageBox::YesRole ? MsgResult::Yes : MsgResult::No;
     return MsgResult::Ok;
+}
+
+std::optional<int> QtUserInteraction::askChoice(const std::string& text, const std::string& title, MsgIcon icon,
+                                                const std::vector<std::string>& choices)
+{
+    const ProgressAside aside(progress_);
+    QMessageBox box(dialogParent());
+    box.setWindowTitle(QString::fromStdString(title));
+    box.setText(displayText(text));
+    setBoxIcon(box, icon);
+    std::vector<QPushButton*> buttons;
+    for (const std::string& choice : choices)
+        buttons.push_back(box.addButton(QString::fromStdString(choice), QMessageBox::AcceptRole));
+    QPushButton* cancel = box.addButton(QStringLiteral("Abbrechen"), QMessageBox::RejectRole);
+    box.setEscapeButton(cancel);
+    if (!buttons.empty())
+        box.setDefaultButton(buttons.front());
+    const bool wasBusy = busyDepth_ > 0;
+    if (wasBusy)
+        QApplication::setOverrideCursor(Qt::ArrowCursor);
+    box.exec();
+    if (wasBusy)
+        QApplication::restoreOverrideCursor();
+    for (std::size_t i = 0; i < buttons.size(); ++i)
+        if (box.clickedButton() == buttons[i])
+            return int(i);
+    return std::nullopt;
+}
+
+std::optional<std::string> QtUserInteraction::chooseFolder(const std::string& title, const std::string& startFolder)
+{
+    const ProgressAside aside(progress_);
+    QFileDialog dialog(dialogParent(), QString::fromStdString(title), QString::fromStdString(nativePath(startFolder)));
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly, true);
+    showColumnsWhole(dialog);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().first().toStdString();
 }
 
 std::optional<std::string> QtUserInteraction::openFile(const FileDialogRequest& request)

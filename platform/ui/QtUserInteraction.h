@@ -29,6 +29,9 @@ public:
 
     MsgResult messageBox(const std::string& text, MsgButtons buttons, MsgIcon icon,
                          const std::string& title) override;
+    std::optional<int> askChoice(const std::string& text, const std::string& title, MsgIcon icon,
+                                 const std::vector<std::string>& choices) override;
+    std::optional<std::string> chooseFolder(const std::string& title, const std::string& startFolder) override;
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
     std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;

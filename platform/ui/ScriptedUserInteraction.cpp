@@ -34,6 +34,27 @@ std::optional<std::string> ScriptedUserInteraction::saveFile(const FileDialogReq
     return r;
 }
 
+std::optional<int> ScriptedUserInteraction::askChoice(const std::string& text, const std::string& title, MsgIcon icon,
+                                                      const std::vector<std::string>& choices)
+{
+    choiceQuestions.push_back({{text, MsgButtons::Ok, icon, title}, choices});
+    if (choiceAnswers.empty())
+        return std::nullopt;
+    auto r = choiceAnswers.front();
+    choiceAnswers.pop_front();
+    return r;
+}
+
+std::optional<std::string> ScriptedUserInteraction::chooseFolder(const std::string& title, const std::string&)
+{
+    folderTitles.push_back(title);
+    if (folderChoices.empty())
+        return std::nullopt;
+    auto r = folderChoices.front();
+    folderChoices.pop_front();
+    return r;
+}
+
 bool ScriptedUserInteraction::resolveConflict(const ConflictInfo& info)
 {
     conflicts.push_back(info);

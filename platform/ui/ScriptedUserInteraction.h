@@ -35,6 +35,11 @@ public:
                          const std::string& title) override;
     std::optional<std::string> openFile(const FileDialogRequest& request) override;
     std::optional<std::string> saveFile(const FileDialogRequest& request) override;
+    /// Answers from choiceAnswers (nothing: cancelled); recorded in choiceQuestions.
+    std::optional<int> askChoice(const std::string& text, const std::string& title, MsgIcon icon,
+                                 const std::vector<std::string>& choices) override;
+    /// Answers from folderChoices (nothing: cancelled); the titles are recorded in folderTitles.
+    std::optional<std::string> chooseFolder(const std::string& title, const std::string& startFolder) override;
     void setBusy(bool busy) override;
     void processEvents() override { ++eventsProcessed; }
     void showHelp(const std::string& helpFile) override { helpFiles.push_back(helpFile); }
@@ -65,7 +70,14 @@ public:
     /// The answer of every conflict beyond the scripted ones: false keeps the first scan, true takes the second.
     bool conflictDefault = false;
 
+    /// Answers of askChoice in turn: the index of the button, or nothing for "Abbrechen"; without one it is cancelled.
+    std::deque<std::optional<int>> choiceAnswers;
+    /// Answers of the folder dialog; without one it is cancelled.
+    std::deque<std::optional<std::string>> folderChoices;
     // Record
+    /// The questions of askChoice with the texts of their buttons.
+    std::vector<std::pair<RecordedMessage, std::vector<std::string>>> choiceQuestions;
+    std::vector<std::string> folderTitles;
     std::vector<RecordedMessage> messages;
     std::vector<FileDialogRequest> fileRequests;
     std::vector<FileDialogRequest> saveRequests;

@@ -12,4 +12,12 @@ bool UserInteraction::askYesNo(const std::string& text, const std::string& title
     return messageBox(text, MsgButtons::YesNo, icon, title) == MsgResult::Yes;
 }
 
+std::optional<int> UserInteraction::askChoice(const std::string&, const std::string&, MsgIcon,
+                                              const std::vector<std::string>&)
+{
+    return std::nullopt;
+}
+
+std::optional<std::string> UserInteraction::chooseFolder(const std::string&, const std::string&) { return std::nullopt; }
+
 } // namespace qi

@@ -55,6 +55,13 @@ public:
     /// without extension gets the selected filter's; an existing file is replaced only after
     /// the dialog asked.
     virtual std::optional<std::string> saveFile(const FileDialogRequest& request) = 0;
+    /// A question with buttons of the given texts and a cancel button "Abbrechen": the index of the
+    /// button pressed, or nothing when cancelled. Without a way to ask (a program without windows) it
+    /// is cancelled.
+    virtual std::optional<int> askChoice(const std::string& text, const std::string& title, MsgIcon icon,
+                                         const std::vector<std::string>& choices);
+    /// The folder dialog: the chosen folder, or nothing when cancelled (so too without a way to ask).
+    virtual std::optional<std::string> chooseFolder(const std::string& title, const std::string& startFolder);
     /// Hourglass on (true) or back to the normal pointer (false).
     virtual void setBusy(bool busy) = 0;
     /// Lets pending window events run.
