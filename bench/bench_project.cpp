@@ -11,6 +11,8 @@
 //
 // Each size is made in a child process and measured in another, so that the memory of
 // making the orders is not counted. Arguments: the numbers of orders (default 5 10 20).
+// QI_BENCH_FOLDER=dir keeps the installation and the orders in dir and takes them from there
+// on the next run (for measuring a change again, or under a profiler, without making them anew).
 
 #include "CInventurDb.h"
 #include "DemoInstallation.h"
@@ -25,6 +27,7 @@
 #include "ScriptedUserInteraction.h"
 #include "frmWork.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -43,6 +46,15 @@ using qi::bench::Clock;
 using qi::bench::seconds;
 
 namespace {
+
+/// CPU time (user and system) of this process so far, in seconds.
+double cpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
 
 constexpr int kRoomsPerOrder = 100;
 constexpr int kFilesPerOrder = 3;
@@ -244,9 +256,11 @@ int measure(const fs::path& folder, const fs::path& project, const fs::path& pro
         steps.emplace_back(step, Clock::now());
         return true;
     };
+    const double c0 = cpuSeconds();
     const auto t0 = Clock::now();
     const std::unique_ptr<qi::Database> result = qi::computeProjectResult(settings, fresh);
     const auto t1 = Clock::now();
+    const double c1 = cpuSeconds();
     const long overviewPeak = qi::bench::peakKilobytes();
 
     const qi::ProjectReport* gesamt = qi::findProjectReport("gesamtauswertung");
@@ -270,7 +284,8 @@ int measure(const fs::path& folder, const fs::path& project, const fs::path& pro
                 rowsOf(*result, "L_Unbekannt"), rowsOf(*result, "L_Fehlend"), rowsOf(*result, "L_Ungeprueft"),
                 rowsOf(*result, "L_Ueberschneidung"), rowsOf(*result, "L_Hinweis"));
     std::printf("  overview without fresh evaluation: %7.3f s\n", seconds(q0, q1));
-    std::printf("  overview:                          %7.3f s   (target 3 s)\n", seconds(t0, t1));
+    std::printf("  overview:                          %7.3f s   (target 3 s; CPU time %.3f s)\n", seconds(t0, t1),
+                c1 - c0);
     // The slowest steps: the same text (an order's name left out) added up.
     std::map<std::string, double> stepTimes;
     double currentOrders = 0, staleOrders = 0;
@@ -351,8 +366,12 @@ int main(int argc, char** argv)
             return 2;
         }
 
-    const fs::path folder = fs::temp_directory_path() / ("qi-bench-project-" + std::to_string(::getpid()));
-    fs::remove_all(folder);
+    const char* kept = std::getenv("QI_BENCH_FOLDER");
+    const fs::path folder =
+        kept && *kept ? fs::path(kept) : fs::temp_directory_path() / ("qi-bench-project-" + std::to_string(::getpid()));
+    const bool reuse = kept && *kept && fs::exists(folder / "rooms.txt");
+    if (!reuse)
+        fs::remove_all(folder);
     const fs::path project = folder / "Projekt";
     const fs::path program = folder / "Programm";
     fs::create_directories(project / "Report");
@@ -365,10 +384,11 @@ int main(int argc, char** argv)
         setenv("XDG_RUNTIME_DIR", (folder / "run").c_str(), 1);
     }
     for (const auto& entry : fs::directory_iterator(QI_REPORT_SOURCE))
-        fs::copy_file(entry.path(), project / "Report" / entry.path().filename());
+        fs::copy_file(entry.path(), project / "Report" / entry.path().filename(),
+                      fs::copy_options::overwrite_existing);
 
     const auto m0 = Clock::now();
-    const bool made = inChild([&] {
+    const bool made = reuse || inChild([&] {
         qi::demo::Sizes s;
         s.sites = 2;
         s.buildingsPerSite = 5;
@@ -397,13 +417,27 @@ int main(int argc, char** argv)
     bool ok = true;
     for (int orders : sizes) {
         const auto o0 = Clock::now();
-        if (!inChild([&] { return makeOrders(folder, project, program, orders); })) {
+        const fs::path marker = folder / ("orders-" + std::to_string(orders));
+        if (reuse && fs::exists(marker)) {
+            // The orders of the last run stand; the project's folder holds the last size made.
+            fs::remove_all(project / "Inventur");
+            fs::copy(marker / "Inventur", project / "Inventur", fs::copy_options::recursive);
+            fs::copy_file(marker / "QInventur.mdb", project / "QInventur.mdb", fs::copy_options::overwrite_existing);
+            fs::copy_file(marker / "QInventurRpt.mdb", program / "QInventurRpt.mdb",
+                          fs::copy_options::overwrite_existing);
+        } else if (!inChild([&] { return makeOrders(folder, project, program, orders); })) {
             std::printf("%d orders could not be made\n", orders);
             ok = false;
             continue;
         }
         std::printf("%d orders made and evaluated (%d of them stale) in %.1f s\n", orders, orders / 4,
                     seconds(o0, Clock::now()));
+        if (kept && *kept && !fs::exists(marker)) {
+            fs::create_directories(marker);
+            fs::copy(project / "Inventur", marker / "Inventur", fs::copy_options::recursive);
+            fs::copy_file(project / "QInventur.mdb", marker / "QInventur.mdb");
+            fs::copy_file(program / "QInventurRpt.mdb", marker / "QInventurRpt.mdb");
+        }
         ok = inChild([&] { return measure(folder, project, program, orders); }) && ok;
         long several = 0;
         const double floor = floorSeconds(folder, project, orders, several);
@@ -411,6 +445,7 @@ int main(int argc, char** argv)
                     "into one database; %ld numbers in several orders)\n",
                     floor, orders, several);
     }
-    fs::remove_all(folder);
+    if (!kept || !*kept)
+        fs::remove_all(folder);
     return ok ? 0 : 1;
 }
