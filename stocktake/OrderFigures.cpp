@@ -109,12 +109,13 @@ void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, 
         while (scans->step()) {
             const std::string raum(scans->columnText(1));
             const std::string zeit = scanTime(std::string(scans->columnText(3)), std::string(scans->columnText(4)));
+            // The values go across as they are, without a copy of their own.
             insertScan.reset();
-            insertScan.bind(1, h.stAuftrag);
+            insertScan.bindText(1, h.stAuftrag);
             for (int c = 0; c < 5; ++c)
-                insertScan.bind(c + 2, scans->column(c));
-            insertScan.bind(7, zeit);
-            insertScan.bind(8, scans->column(5));
+                insertScan.bindColumn(c + 2, *scans, c);
+            insertScan.bindText(7, zeit);
+            insertScan.bindColumn(8, *scans, 5);
             insertScan.step();
             RoomScans& room = perRoom[raum];
             ++room.count;
@@ -136,10 +137,10 @@ void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, 
         while (list->step()) {
             const std::string typ(list->columnText(3));
             insertDiff.reset();
-            insertDiff.bind(1, h.stAuftrag);
+            insertDiff.bindText(1, h.stAuftrag);
             for (int c = 0; c < 11; ++c)
-                insertDiff.bind(c + 2, list->column(c));
-            insertDiff.bind(13, scanTime(std::string(list->columnText(9)), std::string(list->columnText(10))));
+                insertDiff.bindColumn(c + 2, *list, c);
+            insertDiff.bindText(13, scanTime(std::string(list->columnText(9)), std::string(list->columnText(10))));
             insertDiff.step();
             if (!list->columnText(1).empty())
                 ++f.soll;

@@ -59,7 +59,8 @@ void createProjectResultSchema(Database& db)
         "CREATE INDEX P_Raum_stRaumNr ON P_Raum (stRaumNr);\n"
         "CREATE INDEX P_Raum_lIdRB ON P_Raum (lIdRB);\n" +
         table("P_Scan", {"stAuftrag", "stInvNr", "stRaum", "stArtNr", "Datum", "Uhrzeit", "stZeit", "stDatei"}) +
-        "CREATE INDEX P_Scan_stInvNr ON P_Scan (stInvNr);\n" +
+        // The order with the number: the numbers scanned in several orders are found in the index alone.
+        "CREATE INDEX P_Scan_stInvNr ON P_Scan (stInvNr, stAuftrag);\n" +
         table("P_Diff", {"stAuftrag", "stRaumNr", "stSollInvNR", "stIstInvNR", "stTyp", "stBeschreibung",
                          "stArtNr", "stZiel", "stQuelle", "stQuarn", "Datum", "Uhrzeit", "stZeit"}) +
         "CREATE INDEX P_Diff_stSollInvNR ON P_Diff (stSollInvNR);\n"

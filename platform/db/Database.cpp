@@ -155,6 +155,20 @@ void Statement::bind(int index, const Value& v)
         throw db_.errorFor(rc);
 }
 
+void Statement::bindColumn(int index, const Statement& source, int column)
+{
+    const int rc = sqlite3_bind_value(stmt_, index, sqlite3_column_value(source.stmt_, column));
+    if (rc != SQLITE_OK)
+        throw db_.errorFor(rc);
+}
+
+void Statement::bindText(int index, std::string_view text)
+{
+    const int rc = sqlite3_bind_text(stmt_, index, text.data(), int(text.size()), SQLITE_TRANSIENT);
+    if (rc != SQLITE_OK)
+        throw db_.errorFor(rc);
+}
+
 void Statement::bindAll(const std::vector<Value>& params)
 {
     reset();

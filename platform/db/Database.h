@@ -34,6 +34,11 @@ public:
     /// Resets the statement and binds the values to ?1, ?2, ...
     void bindAll(const std::vector<Value>& params);
     void bind(int index, const Value& v);
+    /// Binds the value of column `column` of the current row of `source` (a statement of any
+    /// connection) as it is, without making a Value of it: for copying rows between databases.
+    void bindColumn(int index, const Statement& source, int column);
+    /// Binds a text without making a Value of it.
+    void bindText(int index, std::string_view text);
     /// Steps once; true while a row is there. Errors throw DbError.
     bool step();
     void reset();
