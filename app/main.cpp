@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "FirstStart.h"
+#include "ProgramVersion.h"
 #include "ProgramWindows.h"
 #include "QtUserInteraction.h"
 #include "ReportViewer.h"
@@ -13,13 +14,23 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include <cstdio>
+#include <cstring>
+
 int main(int argc, char** argv)
 {
+    // "--version" is answered before any window system is needed.
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("%s\n", qi::versionLine().c_str());
+            return 0;
+        }
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("QInventur"));
     // Where the windows' sizes and places are kept between runs.
     QApplication::setOrganizationName(QStringLiteral("QInventur"));
-    QApplication::setApplicationVersion(QStringLiteral(QINVENTUR_VERSION));
+    QApplication::setApplicationVersion(QString::fromStdString(qi::programVersion()));
 
     // The program speaks German, and so do Qt's own dialogs (the file dialog) where their translation is installed.
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));

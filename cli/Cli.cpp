@@ -2,6 +2,7 @@
 
 #include "CliSession.h"
 #include "CommandLine.h"
+#include "ProgramVersion.h"
 
 #include <ostream>
 
@@ -24,6 +25,10 @@ int run(const std::vector<std::string>& arguments, const std::string& programFol
         else
             err << "Hilfe: qinventur-cli --help\n";
         return kBadArguments;
+    }
+    if (inv.version && !inv.help) {
+        out << versionLine() << '\n';
+        return kSuccess;
     }
     if (inv.help) {
         const CommandInfo* known = findCommand(inv.command);

@@ -385,6 +385,10 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments)
             inv.help = true;
             continue;
         }
+        if (a == "--version") {
+            inv.version = true;
+            continue;
+        }
         const std::size_t eq = a.find('=');
         const std::string name = a.substr(0, eq);
         if (takesValue(name)) {
@@ -431,7 +435,7 @@ Invocation parseCommandLine(const std::vector<std::string>& arguments)
         else
             inv.options[name] = value;
     }
-    if (inv.help)
+    if (inv.help || inv.version)
         return inv;
     if (!known)
         throw UsageError("Es fehlt ein Befehl.");
@@ -460,6 +464,7 @@ std::string overallHelp()
            "  qinventur-cli [--projekt ORDNER] BEFEHL [ARGUMENTE] [OPTIONEN]\n"
            "  qinventur-cli BEFEHL --help\n"
            "  qinventur-cli --help\n"
+           "  qinventur-cli --version\n"
            "\n"
            "Das Projekt ist das aktuelle Projekt aus \"Quarn.ini\" im Programmordner, wie beim\n"
            "Programm QInventur, oder der Ordner hinter --projekt. Ohne --projekt arbeitet\n"
@@ -476,6 +481,7 @@ std::string overallHelp()
            "Optionen für alle Befehle:\n"
            "  --projekt ORDNER  der Projektordner (statt des Projekts aus \"Quarn.ini\")\n"
            "  --help, -h        diese Hilfe, oder mit einem Befehl dessen Hilfe\n"
+           "  --version         die Version des Programms\n"
            "\n"
            "Meldungen stehen auf der Standardfehlerausgabe als \"[Titel] Text\", mit den Worten der\n"
            "Fenster; Listen stehen auf der Standardausgabe. Auf einem Terminal zeigen lange\n"

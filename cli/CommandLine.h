@@ -41,6 +41,7 @@ struct Invocation {
     std::set<std::string> flags;                ///< flags given ("--setzen")
     std::string projekt;                        ///< --projekt, empty when not given
     bool help = false;                          ///< --help or -h, or the command "hilfe"
+    bool version = false;                       ///< --version (the command, if any, is not run)
 
     bool has(const std::string& flag) const { return flags.count(flag) > 0; }
     /// The value of an option, or `fallback`.

@@ -1,5 +1,7 @@
 #include "frmAbout.h"
 
+#include "ProgramVersion.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -21,12 +23,15 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent)
     f.setBold(true);
     lbTitel->setFont(f);
     txVersion = new QLabel(QString::fromUtf8(kVersionDesign), this);
+    lbBuild = new QLabel(this);
+    lbBuild->setTextInteractionFlags(Qt::TextSelectableByMouse);
     pbOk = new QPushButton(QStringLiteral("&Schließen"), this);
     pbOk->setDefault(true);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lbTitel);
     layout->addWidget(txVersion);
+    layout->addWidget(lbBuild);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(pbOk);
@@ -40,6 +45,7 @@ void frmAbout::Form_Load()
 {
     txVersion->setText(QString::fromUtf8(kVersionDesign) + QString::number(QI_VERSION_MAJOR) + QLatin1Char('.') +
                        twoDigits(QI_VERSION_MINOR) + QLatin1Char('.') + twoDigits(QI_VERSION_PATCH));
+    lbBuild->setText(QString::fromStdString(versionLine()));
 }
 
 } // namespace qi

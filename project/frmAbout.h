@@ -13,11 +13,13 @@ class frmAbout : public QDialog {
 public:
     explicit frmAbout(QWidget* parent = nullptr);
 
-    /// Sets the version label: "Version :  " + major + "." + minor "00" + "." + revision "00".
+    /// Sets the version label: "Version :  " + major + "." + minor "00" + "." + revision "00";
+    /// and the build's line below it ("QInventur 4.1.0 (git 219527d)").
     void Form_Load();
 
     QLabel* lbTitel;
     QLabel* txVersion;
+    QLabel* lbBuild; ///< the version as "--version" prints it, with the commit of the build
     QPushButton* pbOk;
 };
 

@@ -13,6 +13,7 @@
 #include "HelpTools.h"
 #include "LinkedDatabase.h"
 #include "frmAbout.h"
+#include "ProgramVersion.h"
 #include "frmAufNeu.h"
 #include "frmMain.h"
 
@@ -719,6 +720,9 @@ TEST_F(MainWindowTest, AboutBoxShowsTheVersion)
     EXPECT_EQ(window->aboutVersion, "Version :  4.01.00");
     EXPECT_EQ(window->aboutButton, "&Schließen");
     EXPECT_EQ(window->aboutLine, "Quarn - Inventurauftrag Quarn 4");
+    // Below the version label, the version of the build as "--version" prints it.
+    EXPECT_EQ(window->aboutBuild, versionLine());
+    EXPECT_EQ(window->aboutBuild.rfind("QInventur 4.1.0", 0), 0u) << window->aboutBuild;
 }
 
 TEST_F(MainWindowTest, ScreenshotRendersOffscreen)

@@ -23,7 +23,7 @@ public:
     using frmMain::frmMain;
     std::deque<std::function<void(QDialog&)>> script;
     std::vector<std::string> dialogs;
-    std::string aboutVersion, aboutButton, aboutLine;
+    std::string aboutVersion, aboutButton, aboutLine, aboutBuild;
 
 protected:
     void runModal(QDialog& dialog) override
@@ -33,6 +33,7 @@ protected:
             aboutVersion = about->txVersion->text().toStdString();
             aboutButton = about->pbOk->text().toStdString();
             aboutLine = about->lbTitel->text().toStdString();
+            aboutBuild = about->lbBuild->text().toStdString();
             about->pbOk->click();
             return;
         }
