@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QPainter>
 #include <QPen>
+#include <QTransform>
 
 #include <algorithm>
 #include <cmath>
@@ -81,7 +82,9 @@ public:
         for (std::size_t r = 0; r < rows; ++r) {
             startGroups(r);
             const double h = l_.rowHeight(r);
-            ensure(h, true);
+            // A group's last row goes to the page that has room for its footers as well, so that
+            // no page starts with footers under a continued header.
+            ensure(h + closingFooters(r), true);
             Band row = make(Band::Kind::Row, 0, std::uint32_t(r), h);
             const std::size_t groupStart = levels_ ? model_.groups(levels_ - 1)[next_[levels_ - 1]].first : 0;
             row.shaded = (r - groupStart) % 2 == 1;
@@ -156,7 +159,7 @@ private:
         if (first == levels_)
             return;
         bool newPage = false;
-        double need = l_.rowHeight(r);
+        double need = l_.rowHeight(r) + closingFooters(r);
         for (std::size_t level = first; level < levels_; ++level) {
             newPage |= model_.definition().groups[level].newPage && next_[level] > 0;
             need += l_.groupHeaderHeight(level, false);
@@ -170,6 +173,18 @@ private:
             open_[level] = true;
         }
         hasBody_ = true;
+    }
+
+    /// Height of the footers of the groups that end with row `r`.
+    double closingFooters(std::size_t r) const
+    {
+        double h = 0;
+        for (std::size_t level = 0; level < levels_; ++level) {
+            const RowRange& g = model_.groups(level)[next_[level]];
+            if (g.first + g.count - 1 == r)
+                h += l_.groupFooterHeight(level);
+        }
+        return h;
     }
 
     void endGroups(std::size_t r)
@@ -376,6 +391,21 @@ void PagePainter::paint(QPainter& p, int page) const
             at = x + (w - sw) / 2;
         text(role, color, at, baseline, shown);
     };
+    // A text the layout has already fitted to its box (a heading's line): a screen's hinted
+    // type may run a little wider than the layout's, so it is narrowed to the box, never cut.
+    auto whole = [&](FontRole role, const QColor& color, double x, double w, double baseline, const QString& s,
+                     Alignment align) {
+        const double sw = t.advance(role, s);
+        if (sw <= w || sw <= 0) {
+            boxed(role, color, x, w, baseline, s, align);
+            return;
+        }
+        const QTransform before = p.transform();
+        p.translate(x * k, 0);
+        p.scale(w / sw, 1);
+        text(role, color, 0, baseline, s);
+        p.setTransform(before);
+    };
     auto rule = [&](double x1, double x2, double y, double widthPt, const QColor& color) {
         currentInk = QColor();
         QPen pen(color);
@@ -440,7 +470,7 @@ void PagePainter::paint(QPainter& p, int page) const
                 const double firstBaseline = y + b.height - 3.0 - double(lines.size()) * t.lineHeight(FontRole::Bold) +
                                              t.ascent(FontRole::Bold);
                 for (qsizetype i = 0; i < lines.size(); ++i)
-                    boxed(FontRole::Bold, kHeadInk, cols[c].x + pad, cols[c].width - 2 * pad,
+                    whole(FontRole::Bold, kHeadInk, cols[c].x + pad, cols[c].width - 2 * pad,
                           firstBaseline + double(i) * t.lineHeight(FontRole::Bold), lines[i],
                           def.columns[c].alignment);
             }
@@ -505,7 +535,7 @@ void PagePainter::paint(QPainter& p, int page) const
                     if (!def.columns[c].sum)
                         continue;
                     labelRight = std::min(labelRight, cols[c].x);
-                    boxed(FontRole::Bold, kHeadInk, cols[c].x + pad, cols[c].width - 2 * pad, baseline,
+                    whole(FontRole::Bold, kHeadInk, cols[c].x + pad, cols[c].width - 2 * pad, baseline,
                           q(m.columnSum(c, range)), def.columns[c].alignment);
                 }
             }

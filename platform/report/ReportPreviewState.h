@@ -12,6 +12,9 @@ public:
     static const std::vector<double>& zoomSteps();
     static constexpr double kMinZoom = 0.25;
     static constexpr double kMaxZoom = 4.0;
+    /// The smallest zoom at which a report's body type reads well on a screen; a page
+    /// fitted to the window's width is not made smaller.
+    static constexpr double kReadableZoom = 0.75;
 
     /// A preview of `pageCount` pages (at least one is shown) on its first page at 100 %.
     explicit ReportPreviewState(int pageCount);

@@ -81,6 +81,47 @@ TEST_F(ReportLayoutTest, AGroupHeaderNeverStandsAloneAtThePagesFoot)
     }
 }
 
+TEST_F(ReportLayoutTest, AGroupsFooterNeverStartsAPageWithoutItsLastRow)
+{
+    // Rooms of 1 to 23 rows in two kinds each, so that groups of both levels end at every
+    // place of a page somewhere in the report.
+    std::string script = "CREATE TABLE T_Daten (stRaum TEXT, stTyp TEXT, iNr INTEGER); BEGIN;";
+    int nr = 0;
+    for (int room = 0; room < 120; ++room)
+        for (int i = 0; i < room * 7 % 23 + 1; ++i)
+            script += "INSERT INTO T_Daten VALUES ('R" + std::to_string(1000 + room) + "', '" +
+                      (i % 3 == 0 ? "A" : "B") + "', " + std::to_string(nr++) + ");";
+    sql(script + "COMMIT;");
+    auto r = open(definition("f.rpt", "[Bericht]\nTitel = Liste\nQuelle = T_Daten\nSortierung = stRaum, stTyp, iNr\n"
+                                      "[Gruppe]\nFeld = stRaum\nKopf = Raum {stRaum}\nFuß = {Anzahl} in {stRaum}\n"
+                                      "[Gruppe]\nFeld = stTyp\nKopf = {stTyp}\nFuß = {Anzahl}\n"
+                                      "[Spalte]\nFeld = iNr\n"));
+    const ReportLayout& l = r->layout();
+    ASSERT_GT(l.pageCount(), 20);
+    int continuedPages = 0;
+    for (int p = 1; p < l.pageCount(); ++p) {
+        const auto bands = l.bands(p);
+        std::size_t i = 0;
+        while (i < bands.size() &&
+               (bands[i].kind == Band::Kind::ColumnHeadings ||
+                (bands[i].kind == Band::Kind::GroupHeader && bands[i].continued)))
+            ++i;
+        continuedPages += i > 1 ? 1 : 0;
+        ASSERT_LT(i, bands.size()) << "page " << p + 1;
+        EXPECT_NE(bands[i].kind, Band::Kind::GroupFooter) << "page " << p + 1 << " starts with a footer";
+        // A footer stands after its group's last row on the same page.
+        for (std::size_t j = i; j < bands.size(); ++j)
+            if (bands[j].kind == Band::Kind::GroupFooter) {
+                const RowRange& g = r->model().groups(bands[j].level)[bands[j].index];
+                bool lastRowHere = false;
+                for (std::size_t k = 0; k < j; ++k)
+                    lastRowHere |= bands[k].kind == Band::Kind::Row && bands[k].index == g.first + g.count - 1;
+                EXPECT_TRUE(lastRowHere) << "page " << p + 1 << ", footer of group " << bands[j].index;
+            }
+    }
+    EXPECT_GT(continuedPages, 0);
+}
+
 TEST_F(ReportLayoutTest, GroupsThatAskForANewPageStartOne)
 {
     rows(3, 5);

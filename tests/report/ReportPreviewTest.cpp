@@ -23,7 +23,10 @@
 #include <QPointer>
 #include <QPrinter>
 #include <QPushButton>
+#include <QPaintEngine>
+#include <QPainter>
 #include <QScrollArea>
+#include <QSettings>
 #include <QSpinBox>
 #include <QToolButton>
 
@@ -200,6 +203,164 @@ TEST_F(ReportPreviewTest, ClosingTheWindowDeletesIt)
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(w.isNull());
     window = nullptr;
+}
+
+/// A preview of `report` at the size it takes when no size was kept, shown offscreen.
+std::unique_ptr<ReportPreview> atDefaultSize(std::unique_ptr<Report> report, UserInteraction& ui)
+{
+    QSettings settings;
+    for (const QString& orientation : {QString(), QStringLiteral("Quer")})
+        settings.remove(QStringLiteral("Fenster/") + QString::fromLatin1(ReportPreview::kStateKey) + orientation);
+    auto w = std::make_unique<ReportPreview>(std::move(report), ui);
+    w->show();
+    QApplication::processEvents();
+    return w;
+}
+
+/// The commands of the preview's bar that a person can see and reach in the window.
+void expectEveryCommandInView(ReportPreview& w)
+{
+    const QStringList shown = visibleTexts(w);
+    for (const char* command : {"&Drucken…", "Als PDF speichern", "Als Excel-Datei speichern", "Als CSV speichern",
+                                "&Schließen", " Seite ", " Zoom "})
+        EXPECT_TRUE(shown.contains(QString::fromUtf8(command))) << command;
+    for (QWidget* c : std::initializer_list<QWidget*>{w.pbFirst, w.pbPrevious, w.txPage, w.pbNext, w.pbLast, w.cbZoom,
+                                                      w.pbPrint, w.pbPdf, w.pbXlsx, w.pbCsv, w.pbClose}) {
+        EXPECT_TRUE(c->isVisible()) << c->accessibleName().toStdString() << c->property("text").toString().toStdString();
+        const QRect at(c->mapTo(&w, QPoint(0, 0)), c->size());
+        EXPECT_TRUE(w.rect().contains(at)) << c->property("text").toString().toStdString();
+    }
+}
+
+TEST_F(ReportPreviewTest, AtItsDefaultSizeEveryCommandIsInView)
+{
+    auto w = atDefaultSize(open(file, "Liste"), ui);
+    expectEveryCommandInView(*w);
+    screenshot(*w, QStringLiteral("preview-standardgroesse"));
+    EXPECT_EQ(w->cbZoom->currentText(), QStringLiteral("Seitenbreite"));
+}
+
+/// The difference list of the demo order (landscape) in a preview of its default size.
+std::unique_ptr<ReportPreview> differenceListAtDefaultSize(UserInteraction& ui)
+{
+    DemoOrder& order = DemoOrder::shared();
+    const RenderedReport* made = order.runReportMenu(reportmenu::Differenz);
+    EXPECT_NE(made, nullptr);
+    if (!made)
+        return nullptr;
+    auto w = atDefaultSize(Report::open(made->reportFile, order.reportDb, made->title), ui);
+    return w;
+}
+
+TEST(ReportPreviewLandscape, AtPageWidthTheTextIsReadable)
+{
+    ScriptedUserInteraction ui;
+    auto w = differenceListAtDefaultSize(ui);
+    ASSERT_NE(w, nullptr);
+    ASSERT_TRUE(w->report().layout().pageWidth() > w->report().layout().pageHeight());
+    expectEveryCommandInView(*w);
+    EXPECT_EQ(w->cbZoom->currentText(), QStringLiteral("Seitenbreite"));
+    screenshot(*w, QStringLiteral("preview-querformat-seitenbreite"));
+    // The body's type at least 9.5 pixels from line to line (three quarters of its printed
+    // size), even where the screen is too narrow for the whole width of the page.
+    const auto bodyPx = [&] {
+        return w->report().layout().typography().lineHeight(FontRole::Body) / 72.0 * w->pageView->logicalDpiY() *
+               w->state().zoom();
+    };
+    EXPECT_GE(bodyPx(), 9.5) << "zoom " << w->state().zoom();
+    // A window wide enough shows the whole width of the page.
+    w->resize(1300, 800);
+    QApplication::processEvents();
+    EXPECT_EQ(w->cbZoom->currentText(), QStringLiteral("Seitenbreite"));
+    EXPECT_LE(w->pageView->pageSize().width(), w->scroll->viewport()->width());
+    EXPECT_GE(bodyPx(), 9.5);
+}
+
+TEST_F(ReportPreviewTest, APortraitWindowsSizeIsNotALandscapeOnes)
+{
+    // A narrow portrait preview, closed: its size is kept for portrait reports only.
+    auto portrait = atDefaultSize(open(file, "Hoch"), ui);
+    portrait->resize(portrait->minimumWidth(), 500);
+    portrait->close();
+    std::string landscape = readFile(file);
+    landscape.insert(landscape.find("[Gruppe]"), "Seite = Querformat\n");
+    const std::string quer = definition("quer.rpt", landscape);
+    ReportPreview w(open(quer, "Quer"), ui);
+    EXPECT_GT(w.width(), portrait->minimumWidth());
+    ReportPreview again(open(file, "Hoch"), ui);
+    EXPECT_EQ(again.width(), portrait->minimumWidth());
+}
+
+/// A device of a screen's resolution that keeps the texts painted on it.
+class TextRecorder : public QPaintDevice {
+public:
+    explicit TextRecorder(int dpi) : dpi_(dpi) {}
+    QPaintEngine* paintEngine() const override { return &engine_; }
+    const QStringList& texts() const { return engine_.texts; }
+
+protected:
+    int metric(PaintDeviceMetric m) const override
+    {
+        switch (m) {
+        case PdmWidth:
+        case PdmHeight:
+            return 4000;
+        case PdmDpiX:
+        case PdmDpiY:
+        case PdmPhysicalDpiX:
+        case PdmPhysicalDpiY:
+            return dpi_;
+        case PdmDepth:
+            return 32;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return int(QPaintDevice::devicePixelRatioFScale());
+        default:
+            return QPaintDevice::metric(m);
+        }
+    }
+
+private:
+    class Engine : public QPaintEngine {
+    public:
+        Engine() : QPaintEngine(QPaintEngine::AllFeatures) {}
+        bool begin(QPaintDevice*) override { return true; }
+        bool end() override { return true; }
+        void updateState(const QPaintEngineState&) override {}
+        void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+        void drawPolygon(const QPointF*, int, PolygonDrawMode) override {}
+        void drawPath(const QPainterPath&) override {}
+        void drawTextItem(const QPointF&, const QTextItem& item) override { texts << item.text(); }
+        Type type() const override { return QPaintEngine::User; }
+        QStringList texts;
+    };
+    mutable Engine engine_;
+    int dpi_;
+};
+
+TEST(ReportPreviewLandscape, ColumnHeadingsAreWholeAtEveryZoom)
+{
+    ScriptedUserInteraction ui;
+    auto w = differenceListAtDefaultSize(ui);
+    ASSERT_NE(w, nullptr);
+    const ReportLayout& l = w->report().layout();
+    const int dpi = w->pageView->logicalDpiY();
+    for (double zoom : ReportPreviewState::zoomSteps()) {
+        // The first page as the preview paints it at this zoom.
+        TextRecorder screen(dpi);
+        {
+            QPainter p(&screen);
+            PagePainter(l, dpi, dpi / 72.0 * zoom, true).paint(p, 0);
+        }
+        for (std::size_t c = 0; c < l.columns().size(); ++c)
+            for (const QString& line : columnHeadingLines(l, l.typography(), c)) {
+                EXPECT_TRUE(screen.texts().contains(line)) << "zoom " << zoom << ": " << line.toStdString();
+            }
+    }
+    w->setZoom(0.75);
+    QApplication::processEvents();
+    screenshot(*w, QStringLiteral("preview-querformat-75"));
 }
 
 /// Top-level preview windows that are shown.

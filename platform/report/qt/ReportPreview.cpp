@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QResizeEvent>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeySequence>
@@ -58,10 +59,13 @@ ReportPreview::ReportPreview(std::unique_ptr<Report> report, UserInteraction& ui
     setWindowFlag(Qt::Window);
     setWindowTitle(QString::fromStdString(report_->windowTitle()));
     buildControls();
-    if (!restoreWindowState(*this, QString::fromLatin1(kStateKey))) {
+    if (!restoreWindowState(*this, stateKey())) {
+        // Wide enough for the page at its printed size and for the bars in one row, as far as the screen allows.
         const QRect screen = this->screen() ? this->screen()->availableGeometry() : QRect(0, 0, 1280, 960);
         const double pageWidthPx = report_->layout().pageWidth() / 72.0 * logicalDpiX();
-        resize(std::min(screen.width() * 9 / 10, int(pageWidthPx) + 60), screen.height() * 9 / 10);
+        const int bars = navigationBar_->sizeHint().width() + commandBar_->sizeHint().width() + 16;
+        resize(std::max(minimumWidth(), std::min(screen.width() * 9 / 10, std::max(int(pageWidthPx) + 60, bars))),
+               screen.height() * 9 / 10);
     }
     refresh();
     scroll->setFocus();
@@ -71,10 +75,18 @@ ReportPreview::~ReportPreview() = default;
 
 void ReportPreview::buildControls()
 {
-    auto* bar = new QToolBar(QStringLiteral("Bericht"), this);
-    bar->setMovable(false);
-    bar->setFloatable(false);
-    addToolBar(Qt::TopToolBarArea, bar);
+    // Two bars: the page's navigation and zoom, and the commands. They share a row when the
+    // window is wide enough and take a row each when it is not, so that none of their
+    // controls ever hides behind an overflow button.
+    auto makeBar = [this](const QString& name) {
+        auto* b = new QToolBar(name, this);
+        b->setMovable(false);
+        b->setFloatable(false);
+        addToolBar(Qt::TopToolBarArea, b);
+        return b;
+    };
+    auto* bar = makeBar(QStringLiteral("Seite"));
+    navigationBar_ = bar;
 
     pbFirst = navigationButton(QStyle::SP_MediaSkipBackward, QStringLiteral("Erste Seite"), this);
     pbPrevious = navigationButton(QStyle::SP_MediaSeekBackward, QStringLiteral("Vorige Seite"), this);
@@ -109,7 +121,8 @@ void ReportPreview::buildControls()
     bar->addSeparator();
     bar->addWidget(new QLabel(QStringLiteral(" Zoom "), this));
     bar->addWidget(cbZoom);
-    bar->addSeparator();
+    bar = makeBar(QStringLiteral("Befehle"));
+    commandBar_ = bar;
     bar->addWidget(pbPrint);
     bar->addWidget(pbPdf);
     bar->addWidget(pbXlsx);
@@ -132,6 +145,9 @@ void ReportPreview::buildControls()
     statusBar()->showMessage(QLocale().toString(qlonglong(m.rowCount())) +
                              (m.rowCount() == 1 ? QStringLiteral(" Zeile  ·  ") : QStringLiteral(" Zeilen  ·  ")) +
                              QString::fromStdString(fileNamePart(report_->file())));
+
+    setMinimumWidth(std::max(navigationBar_->sizeHint().width(), commandBar_->sizeHint().width()) + 8);
+    arrangeBars();
 
     connect(pbFirst, &QToolButton::clicked, this, [this] { showPage(0); });
     connect(pbPrevious, &QToolButton::clicked, this, [this] { showPage(state_.page() - 1); });
@@ -204,7 +220,9 @@ void ReportPreview::applyFit()
     const int bar = scroll->verticalScrollBar()->sizeHint().width();
     switch (fit_) {
     case Fit::Width:
-        state_.setZoom(ReportPreviewState::fitZoom(view.width() - bar, l.pageWidth(), dpi, margin));
+        // Never smaller than the type can be read at: a page wider than the view scrolls then.
+        state_.setZoom(std::max(ReportPreviewState::kReadableZoom,
+                                ReportPreviewState::fitZoom(view.width() - bar, l.pageWidth(), dpi, margin)));
         break;
     case Fit::Page:
         state_.setZoom(std::min(ReportPreviewState::fitZoom(view.width(), l.pageWidth(), dpi, margin),
@@ -295,9 +313,35 @@ void ReportPreview::saveAs(ReportFormat format)
         statusBar()->showMessage(QStringLiteral("Gespeichert: ") + QString::fromStdString(displayPath(*path)));
 }
 
+QString ReportPreview::stateKey() const
+{
+    // Portrait and landscape reports keep a size each: a landscape page in a window sized for
+    // a portrait one would be fitted to a width too small to read.
+    return QString::fromLatin1(kStateKey) +
+           (report_->layout().pageWidth() > report_->layout().pageHeight() ? QStringLiteral("Quer") : QString());
+}
+
+void ReportPreview::arrangeBars()
+{
+    const bool oneRow =
+        width() >= navigationBar_->sizeHint().width() + commandBar_->sizeHint().width() + 8;
+    if (oneRow == !toolBarBreak(commandBar_))
+        return;
+    if (oneRow)
+        removeToolBarBreak(commandBar_);
+    else
+        insertToolBarBreak(commandBar_);
+}
+
+void ReportPreview::resizeEvent(QResizeEvent* event)
+{
+    arrangeBars();
+    QMainWindow::resizeEvent(event);
+}
+
 void ReportPreview::closeEvent(QCloseEvent* event)
 {
-    saveWindowState(*this, QString::fromLatin1(kStateKey));
+    saveWindowState(*this, stateKey());
     QMainWindow::closeEvent(event);
 }
 

@@ -16,6 +16,7 @@ class QPrinter;
 class QPushButton;
 class QScrollArea;
 class QSpinBox;
+class QToolBar;
 class QToolButton;
 
 namespace qi {
@@ -70,15 +71,22 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     enum class Fit { None, Width, Page };
     void buildControls();
+    /// The key under which this report's orientation keeps its window's size.
+    QString stateKey() const;
+    /// The bars in one row when the window is wide enough for both, else in two.
+    void arrangeBars();
     void refresh();
     void applyFit();
     void zoomChosen(int index);
 
+    QToolBar* navigationBar_ = nullptr;
+    QToolBar* commandBar_ = nullptr;
     std::unique_ptr<Report> report_;
     UserInteraction& ui_;
     ReportPreviewState state_;
