@@ -179,6 +179,10 @@ int Session::run()
             return kBadArguments;
         }
     }
+    if (const std::string refused = refusedLabelCall(inv_); !refused.empty()) {
+        say(refused);
+        return kBadArguments;
+    }
     if (inv_.command == "bericht" || inv_.command == "export") {
         if (inv_.option("--ausgabe").empty()) {
             say("Es fehlt --ausgabe " + std::string(inv_.command == "export" ? "ORDNER" : "PFAD") + ".");
@@ -280,6 +284,10 @@ int Session::dispatch()
         return exportAll();
     if (c == "korrekturen")
         return korrekturen();
+    if (c == "etiketten")
+        return etiketten();
+    if (c == "begehungsliste")
+        return begehungsliste();
     if (c == "archiv")
         return archiv();
     if (c == "gesichert")
@@ -289,9 +297,10 @@ int Session::dispatch()
     return kBadArguments;
 }
 
-CAuftragRec* Session::order()
+CAuftragRec* Session::order() { return order(inv_.args.at(0)); }
+
+CAuftragRec* Session::order(const std::string& name)
 {
-    const std::string& name = inv_.args.at(0);
     CAuftragRec* rec = findOrder(orders_, name);
     if (!rec)
         say("Einen Auftrag '" + name + "' gibt es im Projekt nicht.");

@@ -40,6 +40,8 @@ std::string refusedCorrectionCall(const Invocation& inv);
 std::vector<std::pair<std::string, std::string>> proposalsNamed(const std::vector<Proposal>& proposals,
                                                                 const std::vector<std::string>& numbers,
                                                                 const std::string& art, std::vector<std::string>& refused);
+/// Why a call of `etiketten` or `begehungsliste` can't be run (German), or empty.
+std::string refusedLabelCall(const Invocation& inv);
 /// The format a report command writes: --format, else (for bericht) the extension of --ausgabe,
 /// else (for export) "pdf"; empty when it is no format of the command line.
 std::string reportFormatOf(const Invocation& inv);
@@ -81,6 +83,9 @@ private:
     /// The correction list for Quarn (CliCorrections.cpp): the proposals with their decisions,
     /// deciding them, or the accepted ones as files.
     int korrekturen();
+    /// Labels and the walk list (CliLabels.cpp).
+    int etiketten();
+    int begehungsliste();
     /// The kept order databases (CliKeptOrders.cpp).
     int gesichert();
     int wiederherstellen();
@@ -90,6 +95,8 @@ private:
     int asOneChange(const std::function<FileListResult()>& change);
     /// The order the first argument names; null after the message.
     CAuftragRec* order();
+    /// The order of that name; null after the message.
+    CAuftragRec* order(const std::string& name);
     /// Opens the order for work or to look at it; false after the message.
     bool open(CAuftragRec& rec, OrderAccess access);
     /// What a command does with its order.

@@ -257,6 +257,66 @@ std::vector<CommandInfo> makeCommands()
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown},
                  {"qinventur-cli export \"Lager Süd\" --ausgabe berichte", 
                   "qinventur-cli export \"Lager Süd\" --ausgabe berichte --format xlsx"}});
+    c.push_back({"etiketten",
+                 "etiketten (raeume (NAME | --knoten ID | --alle) | objekte (NAME --neu | --datei DATEI | "
+                 "--von NUMMER --bis NUMMER)) --layout LAYOUT --ausgabe PFAD [--start N] [--kopien N] "
+                 "[--symbologie code128|datamatrix|qr]",
+                 "Raum- oder Objektetiketten als PDF schreiben",
+                 "Schreibt Etiketten mit Barcode als PDF auf Bögen des Layouts LAYOUT. Die Layouts sind\n"
+                 "Textdateien im Ordner \"Etiketten\" der Vorlage \"Leeres Projekt\"; ein falscher Name\n"
+                 "nennt die vorhandenen.\n"
+                 "\n"
+                 "etiketten raeume: je Raum ein Etikett mit der Raumnummer als Code 128, so wie der\n"
+                 "Scanner sie an der Tür lesen muss, der Nummer groß, dem Namen des Raums, Gebäude und\n"
+                 "Geschoss. Die Räume des Auftrags NAME, die Räume unter dem Knoten ID der\n"
+                 "Gebäudestruktur (Liegenschaft, Gebäude oder Geschoss) oder mit --alle alle Räume, je\n"
+                 "nach Raumnummer sortiert.\n"
+                 "\n"
+                 "etiketten objekte: je Inventarnummer ein Etikett, als Code 128 oder mit --symbologie\n"
+                 "als DataMatrix oder QR-Code. Die Nummern, die der Auftrag NAME gefunden hat und die\n"
+                 "Quarn nicht kennt (--neu, Kategorie 2c der letzten Auswertung), die Nummern einer\n"
+                 "Textdatei (eine je Zeile, Leerzeilen zählen nicht, doppelte Nummern werden doppelt\n"
+                 "gedruckt) oder ein Bereich wie --von I0100000 --bis I0100199 (gleicher Anfang, gleich\n"
+                 "viele Ziffern, führende Nullen bleiben). Höchstens 100.000 Etiketten auf einmal.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --knoten ID       die Räume unter diesem Knoten der Gebäudestruktur (lId)\n"
+                 "  --alle            alle Räume der Gebäudestruktur\n"
+                 "  --neu             die Nummern des Auftrags, die Quarn nicht kennt\n"
+                 "  --datei DATEI     die Nummern dieser Textdatei\n"
+                 "  --von NUMMER      die erste Nummer des Bereichs\n"
+                 "  --bis NUMMER      die letzte Nummer des Bereichs\n"
+                 "  --layout LAYOUT   der Etikettenbogen (Name oder Dateiname des Layouts)\n"
+                 "  --ausgabe PFAD    die PDF-Datei; eine vorhandene wird ersetzt\n"
+                 "  --start N         der erste freie Platz auf dem ersten Bogen (ohne: 1)\n"
+                 "  --kopien N        so oft wird jedes Etikett gedruckt, 1 bis 99 (ohne: 1)\n"
+                 "  --symbologie ART  code128, datamatrix oder qr (nur objekte; ohne: code128)\n",
+                 1, 2, {"--knoten", "--datei", "--von", "--bis", "--layout", "--ausgabe", "--start", "--kopien",
+                        "--symbologie"},
+                 {"--alle", "--neu"},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown},
+                 {"qinventur-cli etiketten raeume \"Lager Süd\" --layout \"A4 3x8\" --ausgabe tueren.pdf",
+                  "qinventur-cli etiketten raeume --knoten 3 --layout \"A4 3x8\" --ausgabe eg.pdf --start 5",
+                  "qinventur-cli etiketten objekte \"Lager Süd\" --neu --layout \"A4 4x12\" --ausgabe neu.pdf",
+                  "qinventur-cli etiketten objekte --von I0100000 --bis I0100199 --layout \"A4 4x12\" "
+                  "--ausgabe bereich.pdf --symbologie datamatrix"}});
+    c.push_back({"begehungsliste", "begehungsliste (NAME | --knoten ID) --ausgabe PFAD [--format pdf|xlsx|csv]",
+                 "Begehungsliste schreiben",
+                 "Schreibt die Begehungsliste: je Raum eine neue Seite mit Raumnummer, Name, Gebäude,\n"
+                 "Geschoss und Raumverantwortlichem, darunter die Objekte, die Quarn im Raum erwartet\n"
+                 "(Inventar-Nr., Artikel, Beschreibung, Bemerkung) mit einem Kästchen zum Abhaken. Für\n"
+                 "die Räume des Auftrags NAME oder die Räume unter dem Knoten ID der Gebäudestruktur.\n"
+                 "Die Berichtsdatei ist \"invbegehung.rpt\" (im Ordner \"Report\" des Projekts, sonst der\n"
+                 "Vorlage). Der Auftrag wird nur gelesen.\n"
+                 "\n"
+                 "Optionen:\n"
+                 "  --knoten ID            die Räume unter diesem Knoten statt der eines Auftrags\n"
+                 "  --ausgabe PFAD         die Datei; eine vorhandene wird ersetzt\n"
+                 "  --format pdf|xlsx|csv  die Art der Datei (ohne --format: die Endung von PFAD)\n",
+                 0, 1, {"--knoten", "--ausgabe", "--format"}, {},
+                 {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown},
+                 {"qinventur-cli begehungsliste \"Lager Süd\" --ausgabe begehung.pdf",
+                  "qinventur-cli begehungsliste --knoten 3 --ausgabe begehung.xlsx"}});
     c.push_back({"archiv", "archiv NAME", "Scandaten in einer Datei zusammenfassen",
                  "Fasst die Scandaten des Auftrags in einer Datei zusammen, wie \"Scandaten\n"
                  "zusammenfassen\" im Auftragsfenster: \"Inventur\\NAME.dat\" im Projektordner, eine Zeile\n"
