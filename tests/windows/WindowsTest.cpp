@@ -243,14 +243,25 @@ TEST_F(WindowsTest, WorkWindowButtonsAnswerToTheirMnemonics)
     // "&Auswertung aktualisieren" and "&Auswahl" share their letter: Alt+A moves between them.
     altKey(w, Qt::Key_A);
     EXPECT_TRUE(w.pbNeu->hasFocus() || w.pbRooms->hasFocus());
-    int unloaded = 0;
-    QObject::connect(&w, &OrderWindow::unloaded, [&] { ++unloaded; });
-    QPointer<frmWorkWindow> closing(&w);
+    // The unloaded window goes as soon as the main window repaints, which may happen while the
+    // key is handled: what "&OK" did is read from the window while it is still there.
+    ASSERT_TRUE(w.isVisible());
+    ASSERT_FALSE(w.f_bReload);
+    int okClicks = 0, unloaded = 0;
+    bool reloadAtUnload = false, visibleAtUnload = true, orderOpenAtUnload = true;
+    QObject::connect(w.pbOk, &QPushButton::clicked, [&] { ++okClicks; });
+    QObject::connect(&w, &OrderWindow::unloaded, [&] {
+        ++unloaded;
+        reloadAtUnload = w.f_bReload;
+        visibleAtUnload = w.isVisible();
+        orderOpenAtUnload = main->orderDb()->isOpen();
+    });
     altKey(w, Qt::Key_O); // "&OK"
+    EXPECT_EQ(okClicks, 1);
     EXPECT_EQ(unloaded, 1);
-    // The unloaded window goes as soon as the main window repaints, which may happen while the key is handled.
-    EXPECT_TRUE(!closing || closing->f_bReload);
-    EXPECT_TRUE(!closing || !closing->isVisible());
+    EXPECT_TRUE(reloadAtUnload);
+    EXPECT_FALSE(visibleAtUnload);
+    EXPECT_FALSE(orderOpenAtUnload);
     EXPECT_TRUE(main->isActiveState());
 }
 

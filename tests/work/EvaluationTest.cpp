@@ -7,6 +7,7 @@
 #include "LinkedDatabase.h"
 #include "ReportMenus.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -246,6 +247,83 @@ TEST_P(EvaluationRun, FailingHostQueryStopsTheRunWithItsLabel)
     EXPECT_EQ(ui.messages.back().text.rfind("frmWork.ReportDifferenzListe\r\n", 0), 0u) << ui.messages.back().text;
     EXPECT_NE(ui.messages.back().text.find("T_IObjekt"), std::string::npos) << ui.messages.back().text;
     EXPECT_TRUE(rows().empty());
+}
+
+TEST_P(EvaluationRun, AFalseFlagOfAStepEndsTheRunThereWithItsLabel)
+{
+    importAll();
+    ASSERT_TRUE(w->ReportDifferenzListe());
+    const auto whole = rows();
+    // The evaluation has something for every step to do: a scan at its place, one in a room outside
+    // the order, article data to complete, an object moved within the order.
+    const auto has = [&](auto&& pred) { return std::any_of(whole.begin(), whole.end(), pred); };
+    ASSERT_TRUE(has([](const EvalRow& r) { return r.typ == k1; }));
+    ASSERT_TRUE(has([](const EvalRow& r) { return r.typ == k2b && !r.artNr.empty(); }));
+    ASSERT_TRUE(has([](const EvalRow& r) { return r.typ == k3a; }));
+
+    struct Case {
+        const char* step;    ///< the step that answers False
+        std::string trigger; ///< what makes it fail
+        const char* firstLabel; ///< the message before the run's own
+    };
+    const std::string upd = "BEFORE UPDATE ON T_Differenzliste WHEN ";
+    const std::vector<Case> cases{
+        {"Objekte am richtigen Platz", upd + "NEW.stTyp = '1 OK'", "Problem"},
+        {"Zusätzlich erfasste Objekte", "BEFORE INSERT ON T_Differenzliste WHEN NEW.stTyp LIKE '2b %'", "Problem"},
+        {"Artikeldaten der erfassten Objekte", upd + "NEW.stArtNr IS NOT OLD.stArtNr", "frmWork.MakeArtikelIst\r\n"},
+        {"Verschobene Objekte", upd + "NEW.stTyp LIKE '3a %'", "Problem"},
+    };
+    const std::vector<std::string> order{"Objekte am richtigen Platz", "Zusätzlich erfasste Objekte",
+                                         "Artikeldaten der erfassten Objekte", "Verschobene Objekte",
+                                         "Standorte in Quarn", "Bemerkungen der Objekte"};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.step);
+        sql().execute("CREATE TRIGGER fails " + c.trigger + " BEGIN SELECT RAISE(ABORT, 'gesperrt'); END");
+        ui.messages.clear();
+        ui.steps.clear();
+        ui.busy = false;
+        EXPECT_FALSE(w->ReportDifferenzListe());
+        // Two messages: the step's own, then the run's with its label; the pointer stays busy.
+        ASSERT_EQ(ui.messages.size(), 2u);
+        const std::string first(c.firstLabel);
+        if (first == "Problem") {
+            EXPECT_EQ(ui.messages[0].title, "Problem");
+            EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+        } else {
+            EXPECT_EQ(ui.messages[0].text.rfind(first, 0), 0u) << ui.messages[0].text;
+        }
+        EXPECT_NE(ui.messages[0].text.find("gesperrt"), std::string::npos) << ui.messages[0].text;
+        EXPECT_EQ(ui.messages[1].text.rfind("frmWork.ReportDifferenzListe\r\n", 0), 0u) << ui.messages[1].text;
+        EXPECT_EQ(ui.messages[1].icon, MsgIcon::Critical);
+        EXPECT_EQ(ui.messages[1].title, "QInventur");
+        EXPECT_TRUE(ui.busy);
+        // No step after the failing one began.
+        std::vector<std::string> steps;
+        for (const RecordedStep& s : ui.steps)
+            if (s.step != "Sollbestand der Räume")
+                steps.push_back(s.step);
+        ASSERT_FALSE(steps.empty());
+        EXPECT_EQ(steps.back(), c.step);
+        EXPECT_EQ(steps, std::vector<std::string>(order.begin(), order.begin() + std::ptrdiff_t(steps.size())));
+        // The list stays as far as it was built: Soll rows, nothing of Quarn's places and remarks.
+        const auto got = rows();
+        EXPECT_TRUE(std::any_of(got.begin(), got.end(), [](const EvalRow& r) { return !r.soll.empty(); }));
+        for (const EvalRow& r : got) {
+            EXPECT_NE(r.typ, k2c) << r.ist;
+            EXPECT_EQ(r.quarn, "") << r.ist;
+            EXPECT_EQ(r.bemerkung, "") << r.soll;
+            EXPECT_NE(r.typ, k3a) << r.soll;
+        }
+        const auto count = [&](const char* typ) {
+            return std::count_if(got.begin(), got.end(), [&](const EvalRow& r) { return r.typ == typ; });
+        };
+        const std::size_t failed = steps.size() - 1;
+        EXPECT_EQ(count(k1) > 0, failed > 0);
+        EXPECT_EQ(count(k2b) > 0, failed > 1);
+        sql().execute("DROP TRIGGER fails");
+    }
+    ASSERT_TRUE(w->ReportDifferenzListe());
+    expectRows(rows(), whole);
 }
 
 // ---------------------------------------------------------------- article tally
