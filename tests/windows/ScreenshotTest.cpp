@@ -5,6 +5,7 @@
 
 #include "QTreeGebStruCtrl.h"
 #include "QtUserInteraction.h"
+#include "ProgramVersion.h"
 #include "Screenshots.h"
 #include "frmFehler.h"
 
@@ -237,7 +238,8 @@ TEST_F(ScreenshotTest, AboutBox)
     qtApplication();
     frmAbout f;
     f.show();
-    expectOnScreen(f, QStringLiteral("about"), {"Quarn - Inventurauftrag Quarn 4", "Version :  4.01.00", "&Schließen"});
+    expectOnScreen(f, QStringLiteral("about"), {"Quarn - Inventurauftrag Quarn 4", "Version :  4.01.00",
+                                                QString::fromStdString(versionLine()), "&Schließen"});
     EXPECT_EQ(f.windowTitle(), QStringLiteral("Info über ..."));
 }
 
