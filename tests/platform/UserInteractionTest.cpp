@@ -6,8 +6,11 @@
 #include "TestSupport.h"
 
 #include <QApplication>
+#include <QAbstractButton>
 #include <QDialog>
+#include <QMessageBox>
 #include <QTest>
+#include <QTimer>
 
 using namespace qi;
 
@@ -105,4 +108,58 @@ TEST(QtUserInteraction, DialogsStayOverTheWindowInUseWhileNoWindowIsActive)
     // Once the window is gone the owner given takes the dialogs again.
     work.hide();
     EXPECT_EQ(ui.dialogParent(), &main);
+}
+
+namespace {
+
+/// Presses the button of the message box in front whose text is `text`, once the box is shown;
+/// the box's texts are kept in `shown` (its text, then its buttons).
+void pressWhenShown(const QString& text, QStringList& shown)
+{
+    QTimer::singleShot(0, [text, &shown] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return pressWhenShown(text, shown);
+        shown << box->text();
+        for (QAbstractButton* button : box->buttons())
+            shown << button->text();
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == text)
+                return button->click();
+    });
+}
+
+} // namespace
+
+TEST(QtUserInteraction, ChoiceAnswersTheButtonPressedAndNothingForCancel)
+{
+    test::qtApplication();
+    QtUserInteraction ui;
+    const std::vector<std::string> choices = {"Projektordner wählen …", "Demoprojekt öffnen"};
+    QStringList shown;
+    pressWhenShown(QStringLiteral("Demoprojekt öffnen"), shown);
+    EXPECT_EQ(ui.askChoice("Welches?", "QInventur", MsgIcon::Question, choices), std::optional<int>(1));
+    EXPECT_EQ(shown, (QStringList{QStringLiteral("Welches?"), QStringLiteral("Projektordner wählen …"),
+                                  QStringLiteral("Demoprojekt öffnen"), QStringLiteral("Abbrechen")}));
+    shown.clear();
+    pressWhenShown(QStringLiteral("Projektordner wählen …"), shown);
+    EXPECT_EQ(ui.askChoice("Welches?", "QInventur", MsgIcon::Question, choices), std::optional<int>(0));
+    shown.clear();
+    pressWhenShown(QStringLiteral("Abbrechen"), shown);
+    EXPECT_EQ(ui.askChoice("Welches?", "QInventur", MsgIcon::Question, choices), std::nullopt);
+}
+
+TEST(UserInteraction, ScriptedChoicesAndFoldersAreRecordedAndCancelledWithoutAnswer)
+{
+    ScriptedUserInteraction ui;
+    ui.choiceAnswers = {1};
+    ui.folderChoices = {std::string("/tmp/Projekt")};
+    EXPECT_EQ(ui.askChoice("Frage", "Titel", MsgIcon::Question, {"A", "B"}), std::optional<int>(1));
+    EXPECT_EQ(ui.askChoice("Frage", "Titel", MsgIcon::Question, {"A", "B"}), std::nullopt);
+    EXPECT_EQ(ui.chooseFolder("Ordner", "/tmp"), std::optional<std::string>("/tmp/Projekt"));
+    EXPECT_EQ(ui.chooseFolder("Ordner", "/tmp"), std::nullopt);
+    ASSERT_EQ(ui.choiceQuestions.size(), 2u);
+    EXPECT_EQ(ui.choiceQuestions[0].first.text, "Frage");
+    EXPECT_EQ(ui.choiceQuestions[0].second, (std::vector<std::string>{"A", "B"}));
+    EXPECT_EQ(ui.folderTitles, (std::vector<std::string>{"Ordner", "Ordner"}));
 }
