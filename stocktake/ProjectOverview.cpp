@@ -21,8 +21,11 @@
 #include "Startup.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <filesystem>
+#include <mutex>
 #include <stdexcept>
+#include <thread>
 
 namespace qi {
 
@@ -62,15 +65,189 @@ void readRegister(const Settings& settings, CAuftragRecColl& orders)
         throw std::runtime_error(reg.LastError());
 }
 
+/// An order database as the overview reads it: opened only for reading, as the file stands (a
+/// change that was cut off is read as it was before it), whether its difference list fits its
+/// data, and where it does not (when asked for) the fresh evaluation of a private copy.
+struct OrderSource {
+    std::unique_ptr<RolledBackCopy> putBack;
+    ScriptedUserInteraction quiet;
+    std::unique_ptr<CAuftragDb> order;
+    ListState state = ListState::Fits;
+    std::unique_ptr<FreshEvaluation> evaluation;
+    std::string failure; ///< why the fresh evaluation failed ('' when it did not)
+    std::string error;   ///< why the order could not be read ('' when it could)
+
+    Database& data() { return *order->database(); }
+};
+
+/// Opens the order database `file` and evaluates it afresh when `fresh` and its list does not
+/// fit, with Quarn's building component `geb`. Never throws: a failure is told in the source.
+std::unique_ptr<OrderSource> openOrder(const std::string& file, const Settings& settings, QGebDb& geb,
+                                       const QuarnRooms& quarn, bool fresh)
+{
+    auto source = std::make_unique<OrderSource>();
+    try {
+        if (hasJournal(file))
+            source->putBack = std::make_unique<RolledBackCopy>(file);
+        source->order = std::make_unique<CAuftragDb>(source->quiet);
+        CAuftragDb& order = *source->order;
+        order.setDbPath(source->putBack ? source->putBack->path() : file);
+        order.setOpenReadOnly(Value(std::int64_t{-1}));
+        if (!order.OpenCheckedDb())
+            throw std::runtime_error(order.LastError());
+        source->state = differenceListState(source->data(), quarn);
+        if (source->state != ListState::Fits && fresh) {
+            source->evaluation = std::make_unique<FreshEvaluation>(source->data(), fileNamePart(file), settings, geb);
+            if (source->evaluation->failed()) {
+                source->failure = source->evaluation->error();
+                source->evaluation.reset();
+            }
+        }
+    } catch (const std::exception& e) {
+        source->error = describe(e);
+    }
+    return source;
+}
+
+/// The order databases of the register opened, checked and evaluated afresh ahead of writing
+/// their rows, by the calling thread and one more of its own (the work of an order by whichever
+/// thread is free, at most kAhead orders ahead of the one being written; each thread with
+/// Quarn's building component of its own). The sources are taken in the register's order, so
+/// the result is the same however the work was shared. The helper ends with the object.
+class OrderSources {
+public:
+    /// `files`: per register row the order database to open, '' for a row whose file is not read.
+    OrderSources(std::vector<std::string> files, const Settings& settings, QGebDb& geb, const QuarnRooms& quarn,
+                 bool fresh)
+        : files_(std::move(files)), slots_(files_.size()), settings_(settings), geb_(geb), quarn_(quarn),
+          fresh_(fresh)
+    {
+        // Only the fresh evaluations are worth a second thread; without its own component Quarn
+        // can't serve it, and the calling thread does all the work.
+        const auto toRead = std::count_if(files_.begin(), files_.end(), [](const std::string& f) { return !f.empty(); });
+        if (!fresh_ || toRead < 2)
+            return;
+        std::string error;
+        helperGeb_ = openBuildingComponent(settings_, &error);
+        if (!error.empty()) {
+            helperGeb_.reset();
+            return;
+        }
+        helper_ = std::thread([this] { helpUntilStopped(); });
+    }
+
+    ~OrderSources()
+    {
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            stop_ = true;
+        }
+        changed_.notify_all();
+        if (helper_.joinable())
+            helper_.join();
+    }
+
+    OrderSources(const OrderSources&) = delete;
+    OrderSources& operator=(const OrderSources&) = delete;
+
+    /// The source of row `i` (null for a row whose file is not read); works on the next rows
+    /// while it waits for a source the helper is making. Rows are taken in rising order.
+    std::unique_ptr<OrderSource> take(std::size_t i)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        writing_ = i;
+        changed_.notify_all();
+        for (;;) {
+            if (slots_[i].done)
+                return std::move(slots_[i].source);
+            std::size_t job = 0;
+            if (claim(job)) {
+                lock.unlock();
+                make(job, geb_);
+                lock.lock();
+            } else if (!slots_[i].done) {
+                changed_.wait(lock);
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t kAhead = 8;
+
+    struct Slot {
+        std::unique_ptr<OrderSource> source;
+        bool done = false;
+    };
+
+    /// The next row to work on, if there is one within reach (under the lock).
+    bool claim(std::size_t& job)
+    {
+        for (; next_ < slots_.size() && files_[next_].empty(); ++next_)
+            slots_[next_].done = true;
+        if (next_ >= slots_.size() || next_ >= writing_ + kAhead)
+            return false;
+        job = next_++;
+        return true;
+    }
+
+    void make(std::size_t job, QGebDb& geb)
+    {
+        std::unique_ptr<OrderSource> source = openOrder(files_[job], settings_, geb, quarn_, fresh_);
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            slots_[job].source = std::move(source);
+            slots_[job].done = true;
+        }
+        changed_.notify_all();
+    }
+
+    void helpUntilStopped()
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        for (;;) {
+            std::size_t job = 0;
+            changed_.wait(lock, [&] { return stop_ || claim(job); });
+            if (stop_)
+                return;
+            lock.unlock();
+            make(job, *helperGeb_);
+            lock.lock();
+        }
+    }
+
+    const std::vector<std::string> files_;
+    std::vector<Slot> slots_;
+    const Settings& settings_;
+    QGebDb& geb_;
+    const QuarnRooms& quarn_;
+    const bool fresh_;
+    std::unique_ptr<QGebDb> helperGeb_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::size_t next_ = 0;
+    std::size_t writing_ = 0;
+    bool stop_ = false;
+    std::thread helper_;
+};
+
+/// The order database of a register row that is read: '' where its file is outside the
+/// order folder or not at its place.
+std::string fileToRead(const Settings& settings, const CAuftragRec& rec)
+{
+    const std::string file = orderDatabaseFile(settings, rec.stPfad);
+    return file.empty() || !fileExists(displayPath(file)) ? std::string() : displayPath(file);
+}
+
 /// Everything the overview tells of one order of the register.
 class OrderReading {
 public:
-    OrderReading(Database& result, const Settings& settings, QGebDb& geb, const QuarnRooms& quarn, bool fresh)
-        : result_(result), settings_(settings), geb_(geb), quarn_(quarn), fresh_(fresh)
+    explicit OrderReading(Database& result, const Settings& settings, const QuarnRooms& quarn)
+        : result_(result), settings_(settings), quarn_(quarn)
     {
     }
 
-    void read(const CAuftragRec& rec)
+    /// Writes the rows of `rec`, from `source` (null where the row's file is not read).
+    void read(const CAuftragRec& rec, std::unique_ptr<OrderSource> source)
     {
         OrderHeader h;
         h.lAuftragID = rec.lID;
@@ -81,15 +258,17 @@ public:
         Database::Transaction tx(result_);
         if (h.stDatei.empty()) {
             unreadable(h, ordermsg::outsideOrderFolder(rec.stPfad));
-        } else if (!fileExists(h.stDatei)) {
+        } else if (!source) {
             h.stStand = kStandFehlt;
             h.stFehler = hinweis::auftragFehlt(h.stAuftrag, h.stDatei);
             hint(result_, h.stAuftrag, kHinweisAuftragFehlt, h.stFehler, h.stDatei);
             writeOrderWithoutFigures(result_, h);
+        } else if (!source->error.empty()) {
+            unreadable(h, source->error);
         } else {
             try {
                 Database::Transaction rows(result_);
-                readDatabase(h);
+                readDatabase(h, *source);
                 rows.commit();
             } catch (const std::exception& e) {
                 unreadable(h, describe(e));
@@ -107,47 +286,27 @@ private:
         writeOrderWithoutFigures(result_, h);
     }
 
-    void readDatabase(OrderHeader& h)
+    void readDatabase(OrderHeader& h, OrderSource& source)
     {
-        // Only read, as the file stands; a change that was cut off is read as it was before it.
-        std::unique_ptr<RolledBackCopy> putBack;
-        if (hasJournal(h.stDatei))
-            putBack = std::make_unique<RolledBackCopy>(h.stDatei);
-        ScriptedUserInteraction quiet;
-        CAuftragDb order(quiet);
-        order.setDbPath(putBack ? putBack->path() : h.stDatei);
-        order.setOpenReadOnly(Value(std::int64_t{-1}));
-        if (!order.OpenCheckedDb())
-            throw std::runtime_error(order.LastError());
-        Database& data = *order.database();
-
+        Database& data = source.data();
         h.stStand = kStandAktuell;
-        const ListState state = differenceListState(data, quarn_);
-        std::unique_ptr<FreshEvaluation> evaluation;
-        std::string failure;
-        if (state != ListState::Fits) {
-            h.stStand = state == ListState::Never ? kStandNie : kStandNeu;
-            if (fresh_) {
-                evaluation = std::make_unique<FreshEvaluation>(data, fileNamePart(h.stDatei), settings_, geb_);
-                if (evaluation->failed()) {
-                    failure = evaluation->error();
-                    evaluation.reset();
-                }
-            }
-            const bool freshFigures = evaluation != nullptr;
-            if (state == ListState::Never)
+        if (source.state != ListState::Fits) {
+            h.stStand = source.state == ListState::Never ? kStandNie : kStandNeu;
+            const bool freshFigures = source.evaluation != nullptr;
+            if (source.state == ListState::Never)
                 hint(result_, h.stAuftrag, kHinweisNieAusgewertet, hinweis::nieAusgewertet(h.stAuftrag, freshFigures),
                      h.stDatei);
             else
                 hint(result_, h.stAuftrag, kHinweisVeraltet, hinweis::veraltet(h.stAuftrag, freshFigures), h.stDatei);
         }
-        if (!failure.empty()) {
+        if (!source.failure.empty()) {
             // The figures are those the order holds; why they could not be made afresh is told.
             h.stStand = kStandFehler;
-            h.stFehler = failure;
-            hint(result_, h.stAuftrag, kHinweisNichtLesbar, hinweis::nichtLesbar(h.stAuftrag, failure), h.stDatei);
+            h.stFehler = source.failure;
+            hint(result_, h.stAuftrag, kHinweisNichtLesbar, hinweis::nichtLesbar(h.stAuftrag, source.failure),
+                 h.stDatei);
         }
-        writeOrderFigures(result_, evaluation ? evaluation->database() : data, h, quarn_);
+        writeOrderFigures(result_, source.evaluation ? source.evaluation->database() : data, h, quarn_);
 
         if (const std::int64_t n = roomsWithoutScans(data); n > 0)
             hint(result_, h.stAuftrag, kHinweisRaeumeN, hinweis::raeumeN(h.stAuftrag, int(n)), h.stDatei);
@@ -157,9 +316,7 @@ private:
 
     Database& result_;
     const Settings& settings_;
-    QGebDb& geb_;
     const QuarnRooms& quarn_;
-    bool fresh_;
 };
 
 /// The kept copies in "Inventur\Gesichert" and the order databases in "Inventur" that no row names.
@@ -219,10 +376,15 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
         if (options.progress && !options.progress(done, total, step))
             throw OverviewCancelled{};
     };
-    OrderReading reading(*result, settings, gebDb, quarn, options.freshEvaluation);
+    std::vector<std::string> files;
+    for (const CAuftragRec& rec : orders)
+        files.push_back(fileToRead(settings, rec));
+    OrderSources sources(std::move(files), settings, gebDb, quarn, options.freshEvaluation);
+    OrderReading reading(*result, settings, quarn);
+    std::size_t row = 0;
     for (const CAuftragRec& rec : orders) {
         next("Auftrag '" + rec.stBezeichung + "'");
-        reading.read(rec);
+        reading.read(rec, sources.take(row++));
         ++done;
     }
 
