@@ -115,12 +115,21 @@ std::string textOf(const Value& v)
 /// Schema name of Quarn's object database on the order's connection during a run.
 constexpr const char* kObjectsSchema = "qi_sollbestand";
 
+/// Page cache (in KiB) of the order and of Quarn's object database during a run. A run is
+/// one transaction that passes over the whole difference list several times and reads
+/// most of Quarn's objects in the order of their rooms: with the connection's everyday
+/// cache, pages changed by the run are written out and read back, and object pages are
+/// read from the file again and again, at a cost that grows faster than the order. The
+/// cache holds only the pages a run reads, up to this limit, and is given back after it.
+constexpr std::int64_t kRunCacheKiB = 256 * 1024;
+
 /// A database file attached to a connection under a name, detached when the object goes.
 class AttachedFile {
 public:
     AttachedFile(Database& db, const std::string& file, const std::string& schema) : db_(db), schema_(schema)
     {
         db_.execute("ATTACH DATABASE ?1 AS " + sqlName(schema_), {file});
+        db_.executeScript("PRAGMA " + sqlName(schema_) + ".cache_size = " + std::to_string(-kRunCacheKiB));
     }
     ~AttachedFile()
     {
@@ -136,6 +145,36 @@ public:
 private:
     Database& db_;
     std::string schema_;
+};
+
+/// The order's page cache enlarged to kRunCacheKiB while the object lives, then set back.
+class RunCache {
+public:
+    explicit RunCache(Database& db) : db_(db)
+    {
+        try {
+            before_ = toLong(db_.scalar("PRAGMA main.cache_size"));
+            db_.executeScript("PRAGMA main.cache_size = " + std::to_string(-kRunCacheKiB));
+        } catch (const std::exception&) {
+            // The run goes on with the cache it has; only its speed depends on it.
+            before_.reset();
+        }
+    }
+    ~RunCache()
+    {
+        try {
+            if (before_)
+                db_.executeScript("PRAGMA main.cache_size = " + std::to_string(*before_));
+        } catch (...) {
+            // The larger cache stays with the connection; nothing else depends on it.
+        }
+    }
+    RunCache(const RunCache&) = delete;
+    RunCache& operator=(const RunCache&) = delete;
+
+private:
+    Database& db_;
+    std::optional<std::int64_t> before_;
 };
 
 /// The order's connection with the report database's links attached, and the one
@@ -166,6 +205,8 @@ public:
                 objectsError_ = std::current_exception();
             }
         }
+        if (Database* db = order.database())
+            cache_.emplace(*db);
         tx_.emplace(order);
     }
     /// The report database's links; raises the error of reading them.
@@ -187,7 +228,8 @@ private:
     std::exception_ptr error_;
     std::optional<AttachedFile> objects_;
     std::exception_ptr objectsError_;
-    // Declared after the links: the transaction ends before they are detached.
+    std::optional<RunCache> cache_;
+    // Declared after the links and the cache: the transaction ends before they go.
     std::optional<KeptTransaction> tx_;
 };
 
