@@ -145,18 +145,20 @@ constexpr JetSql kGefundenZiel{
     "stTyp = '3a Fehlt im Raum (verschoben in anderen Raum des Auftrags)' FROM T_DatInventur AS s "
     "WHERE s.stInvNr = T_Differenzliste.stSollInvNR AND T_Differenzliste.stIstInvNR = ''"};
 // The row whose Ist number is the Soll number of a row with a target room takes that
-// row's room. Of several such rows the one stored last wins. No rows are added.
+// row's room. Of several such rows the one stored last wins. No rows are added. The rows
+// with a target room are few: they are found by reading the list in storage order and then
+// sorted, rather than by walking the whole list in the order of its Soll numbers.
 constexpr JetSql kGefundenQuelle{
     R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuelle =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
     "UPDATE T_Differenzliste SET stQuelle = m.stRaumNr, stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
     "FROM (SELECT nr, stRaumNr FROM (SELECT d.stSollInvNR AS nr, r.stRaumNr AS stRaumNr, ROW_NUMBER() OVER "
-    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d NOT INDEXED JOIN T_Raum AS r "
     "ON r.lID = d.lRaumID WHERE d.stZiel <> '') WHERE k = 1) AS m WHERE T_Differenzliste.stIstInvNR = m.nr"};
 constexpr JetSql kGefundenQuarn{
     R"jet(UPDATE t_Raum INNER JOIN (T_Differenzliste LEFT JOIN t_Differenzliste AS  T_Differenzliste_1 ON T_Differenzliste.stSollInvNR = T_Differenzliste_1.stIstInvNR)  ON t_Raum.lID = T_Differenzliste.lRaumId SET T_Differenzliste_1.stQuarn =  [t_Raum]![stRaumNr],T_Differenzliste_1.stTyp="2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)"  WHERE (((T_Differenzliste.stZiel)<>""));)jet",
     "UPDATE T_Differenzliste SET stQuarn = m.stRaumNr, stTyp = '2a Zuviel im Raum (verschoben aus anderem Raum des Auftrags)' "
     "FROM (SELECT nr, stRaumNr FROM (SELECT d.stSollInvNR AS nr, r.stRaumNr AS stRaumNr, ROW_NUMBER() OVER "
-    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d JOIN T_Raum AS r "
+    "(PARTITION BY d.stSollInvNR ORDER BY d.lID DESC) AS k FROM T_Differenzliste AS d NOT INDEXED JOIN T_Raum AS r "
     "ON r.lID = d.lRaumID WHERE d.stZiel <> '') WHERE k = 1) AS m WHERE T_Differenzliste.stIstInvNR = m.nr"};
 // stQuarn keeps only rooms outside the order.
 constexpr JetSql kGefundenQuarnLeeren{
