@@ -5,6 +5,8 @@
 #include "JetCollation.h"
 #include "SqlName.h"
 
+#include <algorithm>
+
 namespace qi {
 
 namespace {
@@ -232,9 +234,7 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
         throw DbError(dberr::General, lastError_.empty() ? kNotOpen : lastError_);
     // A batch of a few lookups (the evaluation completing its surplus rows) asks the number's
     // index; the map of all objects pays only for the many lookups of a scanner file.
-    if (batches_ > 0 && (mapped_ || ++batchLookups_ > kLookupsBeforeMap)) {
-        if (!mapped_ || mappedPrefix_ != prefix_)
-            readAllObjects();
+    if (batches_ > 0 && lookupFromMap()) {
         const auto found = byKey_.find(jetFoldKey(invNr));
         if (found == byKey_.end())
             return std::nullopt;
@@ -251,6 +251,25 @@ std::optional<HostObject> QObjektDb::FindByInvNr(const std::string& invNr)
         found = HostObject{text(st, 0), text(st, 1), text(st, 2), text(st, 3)};
     st.reset();
     return found;
+}
+
+bool QObjektDb::lookupFromMap()
+{
+    if (mapped_ && mappedPrefix_ == prefix_)
+        return true;
+    if (++batchLookups_ <= kLookupsBeforeMap)
+        return false;
+    if (lookupsBeforeMap_ < 0 || lookupsPrefix_ != prefix_) {
+        const std::int64_t objects = toLong(db_->scalar(moduleSql(prefix_, [](const std::string& p) {
+            return "SELECT count(*) FROM " + p + "Objekt";
+        })));
+        lookupsBeforeMap_ = std::max<std::int64_t>(kLookupsBeforeMap, objects / kObjectsPerLookup);
+        lookupsPrefix_ = prefix_;
+    }
+    if (batchLookups_ <= lookupsBeforeMap_)
+        return false;
+    readAllObjects();
+    return true;
 }
 
 void QObjektDb::readAllObjects()
@@ -291,6 +310,7 @@ QObjektDb::LookupBatch::LookupBatch(QObjektDb& objects) : objects_(objects)
         objects.mapped_ = false;
         objects.byKey_.clear();
         objects.mappedVersion_ = version;
+        objects.lookupsBeforeMap_ = -1;
     }
     ++objects.batches_;
 }

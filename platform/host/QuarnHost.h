@@ -154,9 +154,17 @@ private:
     std::string lastError_;
     /// Open LookupBatch objects.
     int batches_ = 0;
-    /// Lookups inside batches answered by a query; the map is read once they are more than kLookupsBeforeMap.
+    /// True when this lookup inside a batch is to be answered from the map (read now if need be).
+    bool lookupFromMap();
+    /// Lookups inside batches answered by a query; the map is read once they are more than
+    /// kLookupsBeforeMap and more than an eighth of the module's objects: reading the map
+    /// costs about as much per object as an eighth of a lookup through the number's index.
     static constexpr int kLookupsBeforeMap = 2000;
+    static constexpr std::int64_t kObjectsPerLookup = 8;
     int batchLookups_ = 0;
+    /// The lookups before the map for the prefix in lookupsPrefix_; -1 before it is known.
+    std::int64_t lookupsBeforeMap_ = -1;
+    std::string lookupsPrefix_;
     /// The module's objects by jetFoldKey of their number; valid while mapped_ is true.
     std::unordered_map<std::string, HostObject> byKey_;
     bool mapped_ = false;
