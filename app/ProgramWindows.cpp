@@ -4,6 +4,7 @@
 #include "ReportDatabase.h"
 #include "ReturnPressesButtons.h"
 #include "frmMain.h"
+#include "LabelWindows.h"
 #include "frmRaumWindow.h"
 
 #include <memory>
@@ -15,6 +16,8 @@ RoomWindowFactory roomWindowFactory()
     return [](const RoomSelectionRequest& r) -> QDialog* {
         auto* window = new frmRaumWindow(r.db, r.gebDb, r.settings, r.ui, r.owner);
         window->InitData();
+        // Room labels and the walk list of a node of the building tree.
+        installRoomLabelEntries(*window, r.gebDb, r.settings, r.ui);
         return window;
     };
 }
@@ -24,6 +27,8 @@ OrderWindowFactory workWindowFactory()
     return [](const OpenOrder& o) -> OrderWindow* {
         auto* window = new frmWorkWindow(o.db, o.settings, o.ui, o.owner);
         window->setRoomWindowFactory(roomWindowFactory());
+        // The menu "&Etiketten" after the window's own menus.
+        installLabelMenu(*window, o.settings, o.ui);
         return window;
     };
 }
