@@ -11,7 +11,7 @@ packages=(
   xvfb xauth poppler-utils unzip fonts-dejavu-core fonts-liberation2
   qt6-translations-l10n xdotool x11-apps x11-utils imagemagick
   # barcodes on labels, and reading them back in the tests
-  libzint-dev zbar-tools
+  libzint-dev zbar-tools dmtx-utils
   # the Debian package: its manual page and its check
   help2man lintian dpkg-dev fakeroot appstream
   # clang with libFuzzer's runtime, for the fuzzing build (scripts/fuzz.sh)

@@ -1,9 +1,16 @@
 #pragma once
 // Barcode label sheets: labels (a code and lines of plain text) placed on sheets of a
 // layout (page size, margins, columns, rows, label size, gaps), from a start position on
-// a partly used sheet and with copies per label. The barcodes are drawn as filled vector
-// shapes. The sheets go through the same page output as the reports (PDF, printing,
-// preview).
+// a partly used sheet and with copies per label. The barcodes (libzint) are drawn as filled
+// vector shapes. The sheets are a paged document: they go through the same page output as
+// the reports (PDF file, printing, preview).
+//
+// On a label, a Code 128 spans the width below the text lines; a Data Matrix or QR code
+// stands at the left with the lines beside it. The first line is set large and bold, the
+// others small; a line too wide is set smaller (down to kMinFontPt), and wrapped when even
+// that is too wide; texts too tall are set smaller as a whole. Nothing is ever cut.
+
+#include "PagedDocument.h"
 
 #include <functional>
 #include <memory>
@@ -54,7 +61,8 @@ std::vector<std::string> labelLayoutNames(const std::string& templateDir);
 /// The layout of that display name (or file name without extension; letter case ignored) in
 /// the template folder; LabelError naming it and the layouts there when there is none.
 LabelLayout findLabelLayout(const std::string& templateDir, const std::string& name);
-/// The folder of the layout files in a template folder.
+/// The folder of the layout files in a template folder ("Etiketten", letter case ignored);
+/// empty when there is none.
 std::string labelLayoutDir(const std::string& templateDir);
 
 /// A rectangle in millimetres from the page's top left corner.
@@ -63,8 +71,11 @@ struct RectMm {
 };
 
 /// Labels placed on sheets. The constructor places them and checks every barcode;
-/// LabelError naming the label whose barcode can't be printed wide enough to scan.
-class LabelSheets {
+/// LabelError naming the label whose barcode can't be printed wide enough to scan (its
+/// narrowest bar below kMinCode128ModuleMm, a 2D symbol's module below kMin2dModuleMm) or
+/// whose text doesn't fit even in the smallest type, and for a start position off the sheet,
+/// fewer than one copy or no labels at all.
+class LabelSheets : public PagedDocument {
 public:
     /// `startPosition` (from 1): the first free place on the first sheet; `copies`: how
     /// many times each label is printed, one after the other.
@@ -73,8 +84,11 @@ public:
     LabelSheets(LabelSheets&&) noexcept;
     LabelSheets& operator=(LabelSheets&&) noexcept;
 
+    /// "70 × 37 mm": a label's size as messages name it.
+    static std::string sizeText(const LabelLayout& layout);
+
     const LabelLayout& layout() const;
-    int pageCount() const;
+    int pageCount() const override;
     /// The labels printed, copies counted.
     int printedCount() const;
     /// Where printed label `i` (0-based, copies counted) goes: its page (0-based) and its place.
@@ -84,6 +98,8 @@ public:
     const Label& printedLabel(int i) const;
     /// The place of the barcode on printed label `i`, quiet zones included.
     RectMm barcodeRect(int i) const;
+    /// The width of the barcode's module (its narrowest bar) on printed label `i`, in mm.
+    double moduleMm(int i) const;
     /// The point size of each text line of printed label `i` (shrunk when a line doesn't fit)
     /// and the lines as they are drawn (a line wrapped when even the smallest size doesn't fit).
     std::vector<double> fontSizes(int i) const;
@@ -92,6 +108,15 @@ public:
     /// Paints page `page` (0-based) with its top left corner at the painter's origin;
     /// `unitsPerPoint`: device units per point (the zoom).
     void paint(QPainter& painter, int page, double unitsPerPoint) const;
+
+    // As a paged document (preview, printing, PDF), titled "Etiketten" unless told otherwise.
+    void setTitle(const std::string& title);
+    double pageWidth() const override;
+    double pageHeight() const override;
+    QPageLayout pageLayout() const override;
+    std::string documentTitle() const override;
+    std::unique_ptr<PagePainting> pagePainter(double dpi, double unitsPerPoint, bool hinted) const override;
+
     /// Writes the sheets as a PDF that replaces an earlier file only when complete;
     /// LabelError naming the file when it can't be written. `progress` is told after each page.
     void writePdf(const std::string& path, const std::function<void(int page, int pages)>& progress = {}) const;
@@ -101,8 +126,9 @@ public:
     static constexpr double kMin2dModuleMm = 0.35;
     static constexpr double kMinFontPt = 5.0;
 
-private:
     struct Impl;
+
+private:
     std::unique_ptr<Impl> d_;
 };
 

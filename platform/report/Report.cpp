@@ -10,24 +10,12 @@
 
 #include <QDateTime>
 #include <QGuiApplication>
+#include <QPageLayout>
+#include <QPageSize>
 
 namespace qi {
 
 namespace {
-
-/// Laying out pages measures type, which needs a GUI application: a program without
-/// any application gets an offscreen one that lives as long as the program.
-void ensureGuiApplication()
-{
-    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-        return;
-    if (QCoreApplication::instance())
-        throw ReportError("Berichtsseiten können nur in einem Programm mit grafischer Oberfläche gesetzt werden.");
-    static int argc = 3;
-    static char name[] = "QInventur", option[] = "-platform", platform[] = "offscreen";
-    static char* argv[] = {name, option, platform, nullptr};
-    new QGuiApplication(argc, argv);
-}
 
 std::string nowText()
 {
@@ -102,6 +90,35 @@ const ReportLayout& Report::layout() const
         layout_ = std::make_unique<ReportLayout>(*model_);
     }
     return *layout_;
+}
+
+QPageLayout Report::pageLayout() const
+{
+    return QPageLayout(QPageSize(QPageSize::A4),
+                       model().definition().landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+                       QMarginsF(0, 0, 0, 0));
+}
+
+std::string Report::documentTitle() const
+{
+    return windowTitle().empty() ? model().definition().title : windowTitle();
+}
+
+std::unique_ptr<PagePainting> Report::pagePainter(double dpi, double unitsPerPoint, bool hinted) const
+{
+    return std::make_unique<PagePainter>(layout(), dpi, unitsPerPoint, hinted);
+}
+
+void ensureGuiApplication()
+{
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        return;
+    if (QCoreApplication::instance())
+        throw ReportError("Berichtsseiten können nur in einem Programm mit grafischer Oberfläche gesetzt werden.");
+    static int argc = 3;
+    static char name[] = "QInventur", option[] = "-platform", platform[] = "offscreen";
+    static char* argv[] = {name, option, platform, nullptr};
+    new QGuiApplication(argc, argv);
 }
 
 void Report::write(ReportFormat format, const std::string& path) const

@@ -5,6 +5,7 @@
 // text), for the command line and batch use; the preview window shows the same
 // pages and offers the same files.
 
+#include "PagedDocument.h"
 #include "ReportLayout.h"
 #include "ReportModel.h"
 
@@ -34,7 +35,7 @@ struct ReportOptions {
     std::string projectFolder; ///< {Projekt}
 };
 
-class Report {
+class Report : public PagedDocument {
 public:
     /// Finds the report file (letter case ignored, the template folder's copy when the project
     /// has none), reads its definition and its rows from the report database `dataFile`.
@@ -60,7 +61,15 @@ public:
     /// without any application gets an offscreen one; ReportError in a program that has a
     /// QCoreApplication only.
     const ReportLayout& layout() const;
-    int pageCount() const { return layout().pageCount(); }
+    int pageCount() const override { return layout().pageCount(); }
+
+    // The pages as a paged document: A4 in the definition's orientation, titled with the
+    // window title (the definition's title when there is none).
+    double pageWidth() const override { return layout().pageWidth(); }
+    double pageHeight() const override { return layout().pageHeight(); }
+    QPageLayout pageLayout() const override;
+    std::string documentTitle() const override;
+    std::unique_ptr<PagePainting> pagePainter(double dpi, double unitsPerPoint, bool hinted) const override;
 
     /// Writes the report; ReportError naming the file when it can't be written.
     void write(ReportFormat format, const std::string& path) const;

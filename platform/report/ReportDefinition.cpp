@@ -534,6 +534,8 @@ ReportError cannotWrite(const std::string& path, const std::string& reason)
     return ReportError(cannotWriteMessage(path, reason));
 }
 
+std::string definitionKey(std::string_view name) { return normalised(name); }
+
 ReportDefinition parseReportDefinition(std::string_view text, const std::string& file)
 {
     return Parser(text, file).parse();

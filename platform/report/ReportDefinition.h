@@ -106,6 +106,10 @@ struct ReportDefinition {
 /// Reads a definition; ReportError naming `file` and the line on any error.
 ReportDefinition parseReportDefinition(std::string_view text, const std::string& file);
 
+/// A key or section name of our definition files as compared: lower case, umlauts spelled
+/// out, no blanks or hyphens ("Überschrift" and "ueber-schrift" are the same key).
+std::string definitionKey(std::string_view name);
+
 /// Parses one placeholder text; ReportError naming `file` and `line` on an error.
 TextTemplate parseTextTemplate(std::string_view text, const std::string& file, int line);
 

@@ -6,6 +6,7 @@
 // and the page footer ("Seite x von y"). Pages hold bands that point into the
 // model's rows; the texts are made when a page is painted.
 
+#include "PagedDocument.h"
 #include "ReportModel.h"
 #include "ReportTypography.h"
 
@@ -101,13 +102,13 @@ private:
 };
 
 /// Paints pages of a laid-out report on one device.
-class PagePainter {
+class PagePainter : public PagePainting {
 public:
     /// `dpi`: the device's resolution; `unitsPerPoint`: device units per point (the zoom);
     /// `hinted` for screens.
     PagePainter(const ReportLayout& layout, double dpi, double unitsPerPoint, bool hinted);
     /// Paints page `page` (0-based) with its top left corner at the painter's origin.
-    void paint(QPainter& painter, int page) const;
+    void paint(QPainter& painter, int page) const override;
 
 private:
     const ReportLayout& layout_;

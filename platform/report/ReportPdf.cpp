@@ -1,5 +1,6 @@
 #include "AtomicFile.h"
 #include "FileSystem.h"
+#include "PagedDocument.h"
 #include "Report.h"
 #include "ReportError.h"
 
@@ -46,32 +47,29 @@ private:
 
 } // namespace
 
-void Report::writePdf(const std::string& path) const
+void writePagesPdf(const PagedDocument& document, const std::string& path,
+                   const std::function<void(int page, int pages)>& progress)
 {
-    const ReportLayout& l = layout();
+    const int pages = document.pageCount();
     try {
         AtomicFile file(path);
         OutputDevice device(file);
         {
             QPdfWriter writer(&device);
             writer.setResolution(int(kLayoutDpi));
-            writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-                                             model().definition().landscape ? QPageLayout::Landscape
-                                                                            : QPageLayout::Portrait,
-                                             QMarginsF(0, 0, 0, 0)));
-            writer.setTitle(
-                QString::fromStdString(windowTitle().empty() ? model().definition().title : windowTitle()));
+            writer.setPageLayout(document.pageLayout());
+            writer.setTitle(QString::fromStdString(document.documentTitle()));
             writer.setCreator(QStringLiteral("QInventur"));
             QPainter painter;
             if (!painter.begin(&writer))
                 throw cannotWrite(path);
-            const PagePainter pages(l, kLayoutDpi, kLayoutDpi / 72.0, false);
-            for (int page = 0; page < l.pageCount(); ++page) {
+            const std::unique_ptr<PagePainting> painting = document.pagePainter(kLayoutDpi, kLayoutDpi / 72.0, false);
+            for (int page = 0; page < pages; ++page) {
                 if (page > 0)
                     writer.newPage();
-                pages.paint(painter, page);
-                if (pageProgress_)
-                    pageProgress_(page + 1, l.pageCount());
+                painting->paint(painter, page);
+                if (progress)
+                    progress(page + 1, pages);
             }
             painter.end();
         }
@@ -82,5 +80,7 @@ void Report::writePdf(const std::string& path) const
         throw ReportError(e.what());
     }
 }
+
+void Report::writePdf(const std::string& path) const { writePagesPdf(*this, path, pageProgress_); }
 
 } // namespace qi

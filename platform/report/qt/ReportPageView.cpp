@@ -14,7 +14,8 @@ const QColor kShadow(0, 0, 0, 60);
 
 } // namespace
 
-ReportPageView::ReportPageView(const ReportLayout& layout, QWidget* parent) : QWidget(parent), layout_(layout)
+ReportPageView::ReportPageView(const PagedDocument& document, QWidget* parent)
+    : QWidget(parent), document_(document)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(QStringLiteral("Berichtsseite"));
@@ -28,7 +29,7 @@ void ReportPageView::showPage(int page, double zoom)
     if (!painter_ || zoom != zoom_) {
         zoom_ = zoom;
         const double dpi = logicalDpiY();
-        painter_ = std::make_unique<PagePainter>(layout_, dpi, dpi / 72.0 * zoom_, true);
+        painter_ = document_.pagePainter(dpi, dpi / 72.0 * zoom_, true);
     }
     resize(sizeHint());
     update();
@@ -37,7 +38,7 @@ void ReportPageView::showPage(int page, double zoom)
 QSize ReportPageView::pageSize() const
 {
     const double k = logicalDpiY() / 72.0 * zoom_;
-    return {int(std::lround(layout_.pageWidth() * k)), int(std::lround(layout_.pageHeight() * k))};
+    return {int(std::lround(document_.pageWidth() * k)), int(std::lround(document_.pageHeight() * k))};
 }
 
 QSize ReportPageView::sizeHint() const { return pageSize() + QSize(2 * kMargin, 2 * kMargin); }

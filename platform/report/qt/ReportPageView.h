@@ -1,7 +1,8 @@
 #pragma once
-// One page of a laid-out report on screen, at a zoom, on a grey desk.
+// One page of a paged document (a laid-out report, a sheet of labels) on screen, at a zoom,
+// on a grey desk.
 
-#include "ReportLayout.h"
+#include "PagedDocument.h"
 
 #include <QWidget>
 
@@ -15,7 +16,7 @@ public:
     /// Room around the page, in pixels.
     static constexpr int kMargin = 16;
 
-    explicit ReportPageView(const ReportLayout& layout, QWidget* parent = nullptr);
+    explicit ReportPageView(const PagedDocument& document, QWidget* parent = nullptr);
     ~ReportPageView() override;
 
     /// Shows page `page` (0-based) at `zoom` (1.0 = printed size); the view takes the page's size.
@@ -30,8 +31,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    const ReportLayout& layout_;
-    std::unique_ptr<PagePainter> painter_;
+    const PagedDocument& document_;
+    std::unique_ptr<PagePainting> painter_;
     int page_ = 0;
     double zoom_ = 1.0;
 };

@@ -136,7 +136,7 @@ void ReportPreview::buildControls()
     scroll->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     scroll->setBackgroundRole(QPalette::Dark);
     scroll->setFrameShape(QFrame::NoFrame);
-    pageView = new ReportPageView(report_->layout());
+    pageView = new ReportPageView(*report_);
     scroll->setWidget(pageView);
     scroll->viewport()->installEventFilter(this);
     setCentralWidget(scroll);

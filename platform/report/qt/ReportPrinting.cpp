@@ -1,7 +1,7 @@
 #include "ReportPrinting.h"
 
 #include "AtomicFile.h"
-#include "Report.h"
+#include "PagedDocument.h"
 #include "ReportError.h"
 
 #include <QPageLayout>
@@ -14,28 +14,24 @@
 
 namespace qi {
 
-void preparePrinter(const Report& report, QPrinter& printer)
+void preparePrinter(const PagedDocument& document, QPrinter& printer)
 {
     printer.setFullPage(true);
-    printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-                                      report.model().definition().landscape ? QPageLayout::Landscape
-                                                                            : QPageLayout::Portrait,
-                                      QMarginsF(0, 0, 0, 0)));
-    printer.setFromTo(1, report.pageCount());
-    printer.setDocName(QString::fromStdString(report.windowTitle().empty() ? report.model().definition().title
-                                                                           : report.windowTitle()));
+    printer.setPageLayout(document.pageLayout());
+    printer.setFromTo(1, document.pageCount());
+    printer.setDocName(QString::fromStdString(document.documentTitle()));
 }
 
-void printReport(const Report& report, QPrinter& printer)
+void printReport(const PagedDocument& document, QPrinter& printer)
 {
-    const ReportLayout& layout = report.layout();
+    const int pageCount = document.pageCount();
     int from = printer.fromPage(), to = printer.toPage();
     if (printer.printRange() == QPrinter::AllPages || from <= 0) {
         from = 1;
-        to = layout.pageCount();
+        to = pageCount;
     }
-    from = std::clamp(from, 1, layout.pageCount());
-    to = std::clamp(to, from, layout.pageCount());
+    from = std::clamp(from, 1, pageCount);
+    to = std::clamp(to, from, pageCount);
 
     // Printed into a file, the pages replace an earlier file only when they are all written.
     const QString outputFile = printer.outputFileName();
@@ -64,11 +60,11 @@ void printReport(const Report& report, QPrinter& printer)
                                     "' nicht gedruckt werden.");
     }
     const double dpi = printer.resolution();
-    const PagePainter pages(layout, dpi, dpi / 72.0, false);
+    const std::unique_ptr<PagePainting> pages = document.pagePainter(dpi, dpi / 72.0, false);
     for (int page = from; page <= to; ++page) {
         if (page > from)
             printer.newPage();
-        pages.paint(painter, page - 1);
+        pages->paint(painter, page - 1);
     }
     const bool ended = painter.end();
     if (file) {

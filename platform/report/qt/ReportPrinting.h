@@ -1,20 +1,20 @@
 #pragma once
-// A report on a printer: the pages the printer's range asks for (all when it names
-// none), at the printer's resolution, on A4 in the report's orientation.
+// Pages on a printer (a report's, a sheet of labels): the pages the printer's range asks
+// for (all when it names none), at the printer's resolution, on the document's sheet.
 
 class QPrinter;
 
 namespace qi {
 
-class Report;
+class PagedDocument;
 
-/// Prepares `printer` for the report before the print dialog shows it: A4 in the report's
-/// orientation, the whole sheet as the page, the page range 1 to the number of pages, the
-/// report's title as the document name.
-void preparePrinter(const Report& report, QPrinter& printer);
+/// Prepares `printer` for the pages before the print dialog shows them: the document's sheet
+/// (a report's A4 in its orientation), the whole sheet as the page, the page range 1 to the
+/// number of pages, the document's title as the document name.
+void preparePrinter(const PagedDocument& document, QPrinter& printer);
 
-/// Prints the report on `printer` (prepared with preparePrinter). ReportError when the
+/// Prints the pages on `printer` (prepared with preparePrinter). ReportError when the
 /// printer can't be used.
-void printReport(const Report& report, QPrinter& printer);
+void printReport(const PagedDocument& document, QPrinter& printer);
 
 } // namespace qi
