@@ -165,6 +165,56 @@ TEST_F(ReportPreviewTest, SavesEachFormatWhereTheUserSays)
     EXPECT_TRUE(ui.messages.empty());
 }
 
+TEST_F(ReportPreviewTest, SavingAPdfShowsItsPagesAndKeepsTheWindowUntilItIsDone)
+{
+    const int pages = window->report().pageCount();
+    ASSERT_GT(pages, 2);
+    QPointer<ReportPreview> alive(window);
+    int closeTries = 0;
+    // A page written: the progress says which, and the window refuses to close meanwhile.
+    struct ClosingUser : ScriptedUserInteraction {
+        std::function<void()> onStep;
+        void reportStep(const std::string& step, std::int64_t done, std::int64_t total) override
+        {
+            ScriptedUserInteraction::reportStep(step, done, total);
+            if (onStep)
+                onStep();
+        }
+    } user;
+    ReportPreview* w = new ReportPreview(open(file, "Fenstertitel"), user);
+    w->show();
+    QPointer<ReportPreview> kept(w);
+    user.onStep = [&] {
+        ++closeTries;
+        EXPECT_FALSE(w->close());
+        EXPECT_FALSE(w->pbPdf->isEnabled());
+    };
+    user.saveChoices = {dir.file("seiten.pdf")};
+    w->pbPdf->click();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    ASSERT_FALSE(kept.isNull());
+    EXPECT_EQ(user.progressTitles, std::vector<std::string>{"Als PDF speichern"});
+    EXPECT_EQ(user.progressDepth, 0);
+    ASSERT_EQ(user.steps.size(), std::size_t(pages));
+    for (int p = 0; p < pages; ++p) {
+        EXPECT_EQ(user.steps[std::size_t(p)].step, "Seite");
+        EXPECT_EQ(user.steps[std::size_t(p)].done, p + 1);
+        EXPECT_EQ(user.steps[std::size_t(p)].total, pages);
+    }
+    EXPECT_EQ(closeTries, pages);
+    EXPECT_TRUE(w->pbPdf->isEnabled());
+    EXPECT_NE(pdfText(dir.file("seiten.pdf")).find("Seite " + std::to_string(pages) + " von"), std::string::npos);
+    // A CSV file has no pages: no progress window.
+    user.onStep = {};
+    user.saveChoices = {dir.file("zeilen.csv")};
+    w->pbCsv->click();
+    EXPECT_EQ(user.progressTitles.size(), 1u);
+    EXPECT_TRUE(w->close());
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(kept.isNull());
+    EXPECT_FALSE(alive.isNull());
+}
+
 TEST_F(ReportPreviewTest, ACancelledDialogWritesNothingAndAFailedFileIsReported)
 {
     window->pbPdf->click();

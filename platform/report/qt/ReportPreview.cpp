@@ -309,7 +309,27 @@ bool ReportPreview::print(QPrinter& printer)
 
 void ReportPreview::saveAs(ReportFormat format)
 {
-    if (const auto path = saveReportAs(*report_, format, ui_))
+    // A file of many pages shows how far it is in a progress window ("Seite 12 von 4288"), and
+    // the program's windows keep answering while it is written; the preview stays open and its
+    // commands rest until the file is done.
+    const std::string title = saveRequestFor(*report_, format).title;
+    bool progressShown = false;
+    report_->setPageProgress([&](int page, int pages) {
+        if (!progressShown) {
+            ui_.beginProgress(title);
+            progressShown = true;
+        }
+        ui_.reportStep("Seite", page, pages);
+    });
+    writing_ = true;
+    commandBar_->setEnabled(false);
+    const auto path = saveReportAs(*report_, format, ui_);
+    commandBar_->setEnabled(true);
+    writing_ = false;
+    report_->setPageProgress({});
+    if (progressShown)
+        ui_.endProgress();
+    if (path)
         statusBar()->showMessage(QStringLiteral("Gespeichert: ") + QString::fromStdString(displayPath(*path)));
 }
 
@@ -341,6 +361,11 @@ void ReportPreview::resizeEvent(QResizeEvent* event)
 
 void ReportPreview::closeEvent(QCloseEvent* event)
 {
+    // The report is being written: the window goes when the file is done.
+    if (writing_) {
+        event->ignore();
+        return;
+    }
     saveWindowState(*this, stateKey());
     QMainWindow::closeEvent(event);
 }

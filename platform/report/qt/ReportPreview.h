@@ -91,6 +91,7 @@ private:
     UserInteraction& ui_;
     ReportPreviewState state_;
     Fit fit_ = Fit::Width;
+    bool writing_ = false; ///< a file is being written from the report
 };
 
 } // namespace qi
