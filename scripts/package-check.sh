@@ -98,6 +98,7 @@ ls "$home"/Berichte/*.xlsx >/dev/null || fail "export wrote no workbook"
 echo "== QInventur offscreen on the demo copy"
 # The user's own program folder names the copy, as after choosing it at the first start.
 user_run mkdir -p "$home/.local/share/QInventur"
+# shellcheck disable=SC2016 # $HOME is the user's, expanded in the user's shell
 user_run sh -c 'printf "[Quarn]\r\nProjekt=%s\r\n" "$HOME/Demo" > "$HOME/.local/share/QInventur/Quarn.ini"'
 rc=0
 user_run timeout 20 "$work/root/usr/bin/qinventur" >"$work/out" 2>"$work/err" || rc=$?
