@@ -9,21 +9,38 @@
 
 #include <map>
 
+#include <sqlite3.h>
+
 namespace qi {
 
 namespace {
 
 constexpr const char* kRooms = "SELECT lID, lIdRB, coalesce(stRaumNr, ''), coalesce(ststatus, '') FROM T_Raum "
                                "ORDER BY lID";
-constexpr const char* kScans =
-    "SELECT coalesce(s.stInvNr, ''), coalesce(s.stRaum, ''), coalesce(s.stArtNr, ''), coalesce(s.Datum, ''), "
-    "coalesce(s.Uhrzeit, ''), coalesce(f.stName, '') FROM T_DatInventur AS s LEFT JOIN T_Dateien AS f "
-    "ON f.lID = s.lDatID ORDER BY s.lID";
-constexpr const char* kList =
-    "SELECT coalesce(r.stRaumNr, ''), coalesce(d.stSollInvNR, ''), coalesce(d.stIstInvNR, ''), "
+// The attached order (AttachedOrder) and its rows, copied as they are with the time of each.
+constexpr const char* kSchema = "auftrag";
+constexpr const char* kScanTimeFunction = "qi_scan_time";
+constexpr const char* kCopyScans =
+    "INSERT INTO P_Scan (stAuftrag, stInvNr, stRaum, stArtNr, Datum, Uhrzeit, stZeit, stDatei) "
+    "SELECT ?1, coalesce(s.stInvNr, ''), coalesce(s.stRaum, ''), coalesce(s.stArtNr, ''), coalesce(s.Datum, ''), "
+    "coalesce(s.Uhrzeit, ''), qi_scan_time(coalesce(s.Datum, ''), coalesce(s.Uhrzeit, '')), coalesce(f.stName, '') "
+    "FROM auftrag.T_DatInventur AS s LEFT JOIN auftrag.T_Dateien AS f ON f.lID = s.lDatID ORDER BY s.lID";
+constexpr const char* kCopyList =
+    "INSERT INTO P_Diff (stAuftrag, stRaumNr, stSollInvNR, stIstInvNR, stTyp, stBeschreibung, stArtNr, stZiel, "
+    "stQuelle, stQuarn, Datum, Uhrzeit, stZeit) "
+    "SELECT ?1, coalesce(r.stRaumNr, ''), coalesce(d.stSollInvNR, ''), coalesce(d.stIstInvNR, ''), "
     "coalesce(d.stTyp, ''), coalesce(d.stBeschreibung, ''), coalesce(d.stArtNr, ''), coalesce(d.stZiel, ''), "
     "coalesce(d.stQuelle, ''), coalesce(d.stQuarn, ''), coalesce(d.Datum, ''), coalesce(d.Uhrzeit, ''), "
-    "d.lRaumID FROM T_Differenzliste AS d LEFT JOIN T_Raum AS r ON r.lID = d.lRaumID ORDER BY d.lID";
+    "qi_scan_time(coalesce(d.Datum, ''), coalesce(d.Uhrzeit, '')) "
+    "FROM auftrag.T_Differenzliste AS d LEFT JOIN auftrag.T_Raum AS r ON r.lID = d.lRaumID ORDER BY d.lID";
+// The scans per room number as they stand (the numbers that compare equal are joined below), and
+// the rows of the list per room and type with those that have a Soll number.
+constexpr const char* kScansPerRoom = "SELECT coalesce(stRaum, ''), COUNT(*), "
+                                      "max(qi_scan_time(coalesce(Datum, ''), coalesce(Uhrzeit, ''))) "
+                                      "FROM auftrag.T_DatInventur GROUP BY 1";
+constexpr const char* kListPerRoom = "SELECT lRaumID, coalesce(stTyp, ''), COUNT(*), "
+                                     "SUM(length(coalesce(stSollInvNR, '')) > 0) "
+                                     "FROM auftrag.T_Differenzliste GROUP BY 1, 2";
 constexpr const char* kFiles = "SELECT COUNT(*) FROM T_Dateien";
 constexpr const char* kFilePaths = "SELECT coalesce(stPfad, '') FROM T_Dateien ORDER BY lID";
 constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N'";
@@ -31,11 +48,6 @@ constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N
 constexpr const char* kInsertRoom =
     "INSERT INTO P_Raum (stAuftrag, lRaumID, lIdRB, stRaumNr, stBezeichnung, stStatus, iErwartet, iAmPlatz, "
     "iGescannt, dProzent, stLetzterScan, stGebaeudeteil) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)";
-constexpr const char* kInsertScan = "INSERT INTO P_Scan (stAuftrag, stInvNr, stRaum, stArtNr, Datum, Uhrzeit, "
-                                    "stZeit, stDatei) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
-constexpr const char* kInsertDiff =
-    "INSERT INTO P_Diff (stAuftrag, stRaumNr, stSollInvNR, stIstInvNR, stTyp, stBeschreibung, stArtNr, stZiel, "
-    "stQuelle, stQuarn, Datum, Uhrzeit, stZeit) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)";
 constexpr const char* kInsertOrder =
     "INSERT INTO P_Auftrag (lAuftragID, stAuftrag, stPfad, stDatei, stStand, iRaeume, iRaeumeN, iRaeumeE, "
     "iRaeumeL, iDateien, iScans, iSoll, iErwartet, iAmPlatz, i1, i2a, i2b, i2c, i3a, i3b, dProzent, "
@@ -94,65 +106,77 @@ int categoryOf(const std::string& typ)
     return -1;
 }
 
+/// The time of a scan (scanTime) in the statements of the result database.
+void scanTimeOfSql(sqlite3_context* context, int, sqlite3_value** args)
+{
+    const auto text = [](sqlite3_value* v) {
+        const unsigned char* t = sqlite3_value_text(v);
+        return t ? std::string(reinterpret_cast<const char*>(t), std::size_t(sqlite3_value_bytes(v))) : std::string();
+    };
+    const std::string zeit = scanTime(text(args[0]), text(args[1]));
+    sqlite3_result_text(context, zeit.data(), int(zeit.size()), SQLITE_TRANSIENT);
+}
+
 } // namespace
 
-void writeOrderFigures(Database& result, Database& order, const OrderHeader& h, const QuarnRooms& quarn)
+AttachedOrder::AttachedOrder(Database& result, Database& order) : result_(result), order_(order)
 {
+    const int rc = sqlite3_create_function_v2(result.handle(), kScanTimeFunction, 2,
+                                              SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, &scanTimeOfSql, nullptr,
+                                              nullptr, nullptr);
+    if (rc != SQLITE_OK)
+        throw result.errorFor(rc);
+    result.attachReadOnly(order.path(), kSchema);
+}
+
+AttachedOrder::~AttachedOrder()
+{
+    try {
+        result_.detach(kSchema);
+    } catch (const DbError&) {
+        // A schema left attached is detached with the result database.
+    }
+}
+
+void writeOrderFigures(Database& result, const AttachedOrder& attached, const OrderHeader& h, const QuarnRooms& quarn)
+{
+    Database& order = attached.order();
     Figures f;
 
-    // Scan lines, with their time, per room number.
+    // Scan lines, with their time, and per room number their count and the latest.
+    result.execute(kCopyScans, {h.stAuftrag});
     std::map<std::string, RoomScans, JetLess> perRoom;
     {
-        const auto scans = order.prepareOwn(kScans);
-        Statement& insertScan = result.prepare(kInsertScan);
-        scans->reset();
-        while (scans->step()) {
-            const std::string raum(scans->columnText(1));
-            const std::string zeit = scanTime(std::string(scans->columnText(3)), std::string(scans->columnText(4)));
-            // The values go across as they are, without a copy of their own.
-            insertScan.reset();
-            insertScan.bindText(1, h.stAuftrag);
-            for (int c = 0; c < 5; ++c)
-                insertScan.bindColumn(c + 2, *scans, c);
-            insertScan.bindText(7, zeit);
-            insertScan.bindColumn(8, *scans, 5);
-            insertScan.step();
-            RoomScans& room = perRoom[raum];
-            ++room.count;
-            if (room.last < zeit)
-                room.last = zeit;
-            if (f.letzterScan < zeit)
-                f.letzterScan = zeit;
-            ++f.scans;
+        const Recordset rooms = result.query(kScansPerRoom);
+        for (const auto& r : rooms.rows()) {
+            RoomScans& room = perRoom[text(r[0])];
+            const std::int64_t count = toLong(r[1]);
+            const std::string last = text(r[2]);
+            room.count += count;
+            if (room.last < last)
+                room.last = last;
+            if (f.letzterScan < last)
+                f.letzterScan = last;
+            f.scans += count;
         }
-        insertScan.reset();
     }
 
     // The difference list, with the "1 OK" rows per room.
+    result.execute(kCopyList, {h.stAuftrag});
     std::map<std::int64_t, std::int64_t> okPerRoom;
     {
-        const auto list = order.prepareOwn(kList);
-        Statement& insertDiff = result.prepare(kInsertDiff);
-        list->reset();
-        while (list->step()) {
-            const std::string typ(list->columnText(3));
-            insertDiff.reset();
-            insertDiff.bindText(1, h.stAuftrag);
-            for (int c = 0; c < 11; ++c)
-                insertDiff.bindColumn(c + 2, *list, c);
-            insertDiff.bindText(13, scanTime(std::string(list->columnText(9)), std::string(list->columnText(10))));
-            insertDiff.step();
-            if (!list->columnText(1).empty())
-                ++f.soll;
-            const int c = categoryOf(typ);
+        const Recordset groups = result.query(kListPerRoom);
+        for (const auto& g : groups.rows()) {
+            const std::int64_t rows = toLong(g[2]);
+            f.soll += toLong(g[3]);
+            const int c = categoryOf(text(g[1]));
             if (c >= 0)
-                ++f.category[c];
+                f.category[c] += rows;
             if (c == 0) {
-                ++f.amPlatz;
-                ++okPerRoom[list->columnInt(11)];
+                f.amPlatz += rows;
+                okPerRoom[toLong(g[0])] += rows;
             }
         }
-        insertDiff.reset();
     }
 
     // The rooms.

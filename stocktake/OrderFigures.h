@@ -21,11 +21,27 @@ struct OrderHeader {
     std::string stFehler;
 };
 
-/// Writes the order's rows into the result database `result`: its figures from `order` (its
-/// database, or the copy a fresh evaluation made of it; only read) and Quarn's objects of its
-/// rooms. Counts per category as `qinventur-cli auswerten` counts them. DbError when the order
-/// can't be read.
-void writeOrderFigures(Database& result, Database& order, const OrderHeader& header, const QuarnRooms& quarn);
+/// An order database (its own, or the copy a fresh evaluation made of it) attached to the result
+/// database only for reading, for the time of the object, so that its rows are copied set-based.
+/// Made and ended outside a transaction of the result database; DbError when it can't be attached.
+class AttachedOrder {
+public:
+    AttachedOrder(Database& result, Database& order);
+    ~AttachedOrder();
+    AttachedOrder(const AttachedOrder&) = delete;
+    AttachedOrder& operator=(const AttachedOrder&) = delete;
+    Database& order() const { return order_; }
+
+private:
+    Database& result_;
+    Database& order_;
+};
+
+/// Writes the order's rows into the result database `result`: its figures from `order` (only
+/// read) and Quarn's objects of its rooms. Counts per category as `qinventur-cli auswerten`
+/// counts them. DbError when the order can't be read.
+void writeOrderFigures(Database& result, const AttachedOrder& order, const OrderHeader& header,
+                       const QuarnRooms& quarn);
 
 /// Writes the P_Auftrag row of an order whose database gives no figures (it is missing or can't
 /// be read): every count 0.

@@ -255,6 +255,16 @@ public:
         h.stPfad = rec.stPfad;
         const std::string file = orderDatabaseFile(settings_, rec.stPfad);
         h.stDatei = file.empty() ? file : displayPath(file);
+        // The rows come set-based from the database of the figures, attached before the transaction.
+        std::unique_ptr<AttachedOrder> attached;
+        if (source && source->error.empty()) {
+            try {
+                attached = std::make_unique<AttachedOrder>(
+                    result_, source->evaluation ? source->evaluation->database() : source->data());
+            } catch (const std::exception& e) {
+                source->error = describe(e);
+            }
+        }
         Database::Transaction tx(result_);
         if (h.stDatei.empty()) {
             unreadable(h, ordermsg::outsideOrderFolder(rec.stPfad));
@@ -268,7 +278,7 @@ public:
         } else {
             try {
                 Database::Transaction rows(result_);
-                readDatabase(h, *source);
+                readDatabase(h, *source, *attached);
                 rows.commit();
             } catch (const std::exception& e) {
                 unreadable(h, describe(e));
@@ -286,7 +296,7 @@ private:
         writeOrderWithoutFigures(result_, h);
     }
 
-    void readDatabase(OrderHeader& h, OrderSource& source)
+    void readDatabase(OrderHeader& h, OrderSource& source, const AttachedOrder& figures)
     {
         Database& data = source.data();
         h.stStand = kStandAktuell;
@@ -306,7 +316,7 @@ private:
             hint(result_, h.stAuftrag, kHinweisNichtLesbar, hinweis::nichtLesbar(h.stAuftrag, source.failure),
                  h.stDatei);
         }
-        writeOrderFigures(result_, source.evaluation ? source.evaluation->database() : data, h, quarn_);
+        writeOrderFigures(result_, figures, h, quarn_);
 
         if (const std::int64_t n = roomsWithoutScans(data); n > 0)
             hint(result_, h.stAuftrag, kHinweisRaeumeN, hinweis::raeumeN(h.stAuftrag, int(n)), h.stDatei);

@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "JetCollation.h"
+#include "SqlName.h"
 #include "SystemError.h"
 
 #include <algorithm>
@@ -413,7 +414,10 @@ std::unique_ptr<Database> Database::inMemory()
 {
     startEngine();
     sqlite3* raw = nullptr;
-    const int rc = sqlite3_open_v2(":memory:", &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    // URIs: files are attached to it only for reading (attachReadOnly).
+    const int rc = sqlite3_open_v2(":memory:", &raw,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX,
+                                   nullptr);
     std::unique_ptr<Database> db(new Database(raw, ":memory:", false));
     if (rc != SQLITE_OK)
         throw db->errorFor(rc);
@@ -553,6 +557,20 @@ void Database::refuseAfterStorageFailure() const
     if (storageFailure_)
         throw *storageFailure_;
 }
+
+void Database::attachReadOnly(const std::string& path, const std::string& alias)
+{
+    // Only the connections in memory take URIs; a name of any other would be taken as a file name.
+    if (path_ != ":memory:")
+        throw DbError(dberr::General, "Die Datei '" + displayPath(path) + "' kann nicht angefügt werden.");
+    execute("ATTACH DATABASE ?1 AS " + sqlName(alias), {readOnlyUri(nativePath(path))});
+    if (sqlite3_db_readonly(db_, alias.c_str()) != 1) {
+        detach(alias);
+        throw DbError(dberr::General, "Die Datei '" + displayPath(path) + "' kann nicht angefügt werden.");
+    }
+}
+
+void Database::detach(const std::string& alias) { execute("DETACH DATABASE " + sqlName(alias)); }
 
 void Database::copyTo(const std::string& path)
 {

@@ -165,6 +165,14 @@ public:
     /// Builds the DbError for an SQLite result code on this connection.
     DbError errorFor(int rc, std::string_view sql = {}) const;
 
+    /// Attaches the database file `path` under the schema name `alias`, only for reading (the file
+    /// is never written through it, not even to put back a change that was cut off), for
+    /// statements that read it set-based. Only on a database in memory (DbError otherwise);
+    /// not inside a transaction. DbError when the file can't be attached.
+    void attachReadOnly(const std::string& path, const std::string& alias);
+    /// Detaches a schema attached with attachReadOnly.
+    void detach(const std::string& alias);
+
     /// Writes a copy of the database to `path` (a file there is replaced), taken from one
     /// consistent state of the file, also while another program changes it. DbError on failure;
     /// a copy that was begun is removed then.

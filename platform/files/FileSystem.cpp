@@ -179,6 +179,22 @@ std::string newPrivateFolder()
     return pattern;
 }
 
+std::string readOnlyUri(const std::string& native)
+{
+    std::string uri = "file:";
+    for (unsigned char c : native) {
+        if (c == '%' || c == '?' || c == '#') {
+            static const char* hex = "0123456789ABCDEF";
+            uri += '%';
+            uri += hex[c >> 4];
+            uri += hex[c & 15];
+        } else {
+            uri += char(c);
+        }
+    }
+    return uri + "?mode=ro";
+}
+
 std::string fileNamePart(const std::string& path)
 {
     const auto pos = path.find_last_of("\\/");

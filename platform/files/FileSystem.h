@@ -48,6 +48,8 @@ bool linkFile(const std::string& from, const std::string& to);
 /// this user alone); empty when none can be made (then kNoPrivateFolder tells why).
 std::string newPrivateFolder();
 inline constexpr const char* kNoPrivateFolder = "Im Ordner für temporäre Dateien kann kein Ordner angelegt werden.";
+/// A database file's native name as an SQLite URI that opens it only for reading ("file:...?mode=ro").
+std::string readOnlyUri(const std::string& native);
 /// Everything after the last backslash (or slash).
 std::string fileNamePart(const std::string& path);
 /// Everything up to and including the last backslash (or slash); empty if there is none.

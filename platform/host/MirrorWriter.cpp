@@ -33,23 +33,6 @@ const char* declaredType(MirrorType type)
     return "TEXT COLLATE JET";
 }
 
-/// A file name as an SQLite URI (for read-only attachments).
-std::string fileUri(const std::string& native)
-{
-    std::string uri = "file:";
-    for (unsigned char c : native) {
-        if (c == '%' || c == '?' || c == '#') {
-            static const char* hex = "0123456789ABCDEF";
-            uri += '%';
-            uri += hex[c >> 4];
-            uri += hex[c & 15];
-        } else {
-            uri += char(c);
-        }
-    }
-    return uri + "?mode=ro";
-}
-
 } // namespace
 
 MirrorWriter::MirrorWriter(const std::string& path) : path_(path)
@@ -102,7 +85,7 @@ void MirrorWriter::attachReadOnly(const std::string& path, const std::string& al
 {
     sqlite3_stmt* attach = nullptr;
     check(sqlite3_prepare_v2(db_, ("ATTACH DATABASE ?1 AS " + sqlName(alias)).c_str(), -1, &attach, nullptr));
-    const std::string uri = fileUri(nativePath(path));
+    const std::string uri = readOnlyUri(nativePath(path));
     sqlite3_bind_text(attach, 1, uri.c_str(), -1, SQLITE_TRANSIENT);
     const int rc = sqlite3_step(attach);
     sqlite3_finalize(attach);
