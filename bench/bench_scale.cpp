@@ -4,11 +4,15 @@
 // step runs as qinventur-cli would for a user (making the local copy of Quarn's data runs the
 // program's own mirror in a child), in a process of its own, so that its peak memory is its
 // own: the rooms set from a file, each file added, the evaluation, the difference list as PDF
-// and the archive. It prints each step's time and peak memory per size, and per step the
-// factor by which its time grew next to the factor by which the work (the scan lines) grew.
+// and the archive. It prints each step's time, processor time (user and system) and peak
+// memory per size, and per step the factors by which its time and its processor time grew
+// next to the factor by which the work (the scan lines) grew. Per size the sqlite3-shell
+// floor (ShellFloor.h) loads and classifies the same lines; the import and the evaluation
+// are set against it, as bench_evaluation does, and its own growth is printed beside theirs.
 
 #include "HostMirror.h"
 #include "LargeOrder.h"
+#include "ShellFloor.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -42,6 +46,7 @@ const Size kSizes[] = {{"S", 100000, 40, 800}, {"M", 300000, 125, 2500}, {"L", 1
 /// Time and peak memory of one step.
 struct Measure {
     double seconds = 0;
+    double cpu = 0; ///< user and system
     long peakKb = 0;
     bool ok = true;
 };
@@ -55,6 +60,8 @@ Measure waitFor(pid_t child, Clock::time_point start)
     Measure m;
     m.seconds = seconds(start, Clock::now());
     m.peakKb = usage.ru_maxrss;
+    m.cpu = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+            double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
     m.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     return m;
 }
@@ -115,6 +122,7 @@ struct Result {
     std::size_t objects = 0;
     std::map<std::string, Measure> steps;
     std::vector<Measure> files;
+    qi::bench::Floor floor;
 };
 
 const char* const kSteps[] = {"mirror",     "raeume --setzen --datei", "hinzufuegen (sum)", "auswerten",
@@ -145,6 +153,7 @@ Result measure(const Size& size, const fs::path& base)
         qi::demo::writeHostDatabases(inst, project.string());
         std::size_t lines = 0;
         qi::bench::writeLargeOrderFiles(inst, folder, size.orderRooms, lines);
+        qi::bench::writeFloorObjects(inst, folder);
         {
             std::ofstream rooms(folder / "raeume.txt");
             for (int r = 0; r < size.orderRooms && std::size_t(r) < inst.rooms.size(); ++r)
@@ -172,6 +181,7 @@ Result measure(const Size& size, const fs::path& base)
             log);
         result.files.push_back(m);
         sum.seconds += m.seconds;
+        sum.cpu += m.cpu;
         sum.peakKb = std::max(sum.peakKb, m.peakKb);
         sum.ok = sum.ok && m.ok;
     }
@@ -181,10 +191,31 @@ Result measure(const Size& size, const fs::path& base)
         runCli(project, {"bericht", "A1", "differenz", "--ausgabe", (folder / "differenz.pdf").string()}, log);
     result.steps["archiv"] = runCli(project, {"archiv", "A1"}, log);
 
+    // The floor, on the rooms the order has now.
+    try {
+        const auto order = qi::Database::open((project / "Inventur" / "A1.mdb").string(), true);
+        qi::bench::writeFloorRooms(*order, folder);
+        std::vector<std::string> files;
+        for (int f = 1; f <= qi::bench::kFiles; ++f)
+            files.push_back((folder / ("Scan" + std::to_string(f) + ".dat")).string());
+        result.floor = qi::bench::runFloor(folder, files);
+    } catch (const std::exception& e) {
+        std::printf("  floor: %s\n", e.what());
+        result.floor.ok = false;
+    }
+
     for (const char* step : kSteps) {
         const Measure& m = result.steps[step];
-        std::printf("  %-22s %8.3f s %8.1f MB%s\n", step, m.seconds, double(m.peakKb) / 1024.0, m.ok ? "" : " FAILED");
+        std::printf("  %-22s %8.3f s %8.3f s cpu %8.1f MB%s\n", step, m.seconds, m.cpu, double(m.peakKb) / 1024.0,
+                    m.ok ? "" : " FAILED");
     }
+    const Measure& add = result.steps["hinzufuegen (sum)"];
+    const Measure& eval = result.steps["auswerten"];
+    std::printf("  %-22s %8.3f s %8.3f s cpu%s\n", "sqlite3 shell floor", result.floor.seconds, result.floor.cpu,
+                result.floor.ok ? "" : " FAILED");
+    if (result.floor.seconds > 0 && result.floor.cpu > 0)
+        std::printf("  ratio (hinzufuegen + auswerten) / floor: %.2f wall clock, %.2f processor time\n",
+                    (add.seconds + eval.seconds) / result.floor.seconds, (add.cpu + eval.cpu) / result.floor.cpu);
     if (!result.files.empty())
         std::printf("  first file %.3f s, last file %.3f s\n", result.files.front().seconds, result.files.back().seconds);
     std::fflush(stdout);
@@ -230,13 +261,28 @@ int main(int argc, char** argv)
             std::printf(" %11.3f %10.1f", m.seconds, double(m.peakKb) / 1024.0);
         }
         for (std::size_t i = 1; i < results.size(); ++i) {
-            const double before = results[i - 1].second.steps.at(step).seconds;
+            const Measure& before = results[i - 1].second.steps.at(step);
+            const Measure& now = results[i].second.steps.at(step);
             const double work = double(results[i].second.lines) / double(results[i - 1].second.lines);
-            const double grew = before > 0 ? results[i].second.steps.at(step).seconds / before : 0;
-            std::printf("  x%.2f%s", grew, grew > 1.15 * work ? " (faster than the work)" : "");
+            const double grew = before.seconds > 0 ? now.seconds / before.seconds : 0;
+            const double cpuGrew = before.cpu > 0 ? now.cpu / before.cpu : 0;
+            std::printf("  x%.2f (cpu x%.2f)%s", grew, cpuGrew, grew > 1.15 * work ? " (faster than the work)" : "");
         }
         std::printf("\n");
     }
+    // The engine's own floor for the import and the evaluation, which grows as its lookups do.
+    std::printf("%-22s", "sqlite3 shell floor");
+    for (const auto& [name, r] : results) {
+        ok = ok && r.floor.ok;
+        std::printf(" %11.3f %10s", r.floor.seconds, "");
+    }
+    for (std::size_t i = 1; i < results.size(); ++i) {
+        const qi::bench::Floor& before = results[i - 1].second.floor;
+        const qi::bench::Floor& now = results[i].second.floor;
+        std::printf("  x%.2f (cpu x%.2f)", before.seconds > 0 ? now.seconds / before.seconds : 0,
+                    before.cpu > 0 ? now.cpu / before.cpu : 0);
+    }
+    std::printf("\n");
     std::printf("%-22s", "work (scan lines)");
     for (const auto& [name, r] : results)
         std::printf(" %11zu %10s", r.lines, "");
