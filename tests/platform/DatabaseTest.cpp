@@ -431,3 +431,37 @@ TEST_F(FullDiskTest, ACommitTheDiskCantTakeLeavesTheFileAsBefore)
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(toLong(Database::open(path)->scalar("SELECT count(*) FROM T_X")), 1);
 }
+
+TEST_F(DatabaseTest, AFileAttachedOnlyForReadingIsReadSetBasedAndNeverWritten)
+{
+    {
+        auto db = open();
+        db->execute("INSERT INTO T_X (stName, lWert) VALUES (?1, ?2)", {std::string("a"), std::int64_t{7}});
+    }
+    // A name the URI has to escape.
+    const std::string file = dir.file("Auftrag 50%?#.mdb");
+    Database::open(path, true)->copyTo(file);
+    const std::string before = test::readFile(file);
+
+    auto memory = Database::inMemory();
+    memory->executeScript("CREATE TABLE Kopie (stName TEXT, lWert INTEGER)");
+    memory->attachReadOnly(file, "auftrag");
+    memory->execute("INSERT INTO Kopie SELECT stName, lWert FROM auftrag.T_X");
+    EXPECT_EQ(toLong(memory->scalar("SELECT lWert FROM Kopie WHERE stName = 'a'")), 7);
+    EXPECT_THROW(memory->execute("DELETE FROM auftrag.T_X"), DbError);
+    memory->detach("auftrag");
+    EXPECT_THROW(memory->scalar("SELECT COUNT(*) FROM auftrag.T_X"), DbError);
+    EXPECT_EQ(test::readFile(file), before);
+
+    // A database in a file attaches nothing this way: the URI would be taken as a file's name.
+    try {
+        open()->attachReadOnly(file, "auftrag");
+        FAIL();
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.description(), "Die Datei '" + displayPath(file) + "' kann nicht angefügt werden.");
+    }
+    // A file that isn't there is not made.
+    const std::string missing = dir.file("fehlt.mdb");
+    EXPECT_THROW(memory->attachReadOnly(missing, "fehlt"), DbError);
+    EXPECT_FALSE(fileExists(missing));
+}
