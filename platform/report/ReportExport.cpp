@@ -56,7 +56,8 @@ FileDialogRequest saveRequestFor(const Report& report, ReportFormat format)
     return request;
 }
 
-std::optional<std::string> saveReportAs(const Report& report, ReportFormat format, UserInteraction& ui)
+std::optional<std::string> saveReportAs(const Report& report, ReportFormat format, UserInteraction& ui,
+                                        const ReportWriter& write)
 {
     std::optional<std::string> path = ui.saveFile(saveRequestFor(report, format));
     if (!path || path->empty())
@@ -65,7 +66,10 @@ std::optional<std::string> saveReportAs(const Report& report, ReportFormat forma
         *path += std::string(".") + reportFormatExtension(format);
     try {
         ui.setBusy(true);
-        report.write(format, *path);
+        if (write)
+            write(report, format, *path);
+        else
+            report.write(format, *path);
         ui.setBusy(false);
         return path;
     } catch (const std::exception& e) {

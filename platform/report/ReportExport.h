@@ -5,6 +5,7 @@
 #include "Report.h"
 #include "UserInteraction.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,9 @@ FileDialogRequest saveRequestFor(const Report& report, ReportFormat format);
 /// Asks for a file name and writes the report there in `format`. A name without extension
 /// gets the format's. Returns the path written; nothing when the user cancelled or the file
 /// could not be written (then the common error message, label kSaveReportLabel, says why).
-std::optional<std::string> saveReportAs(const Report& report, ReportFormat format, UserInteraction& ui);
+/// `write` writes the file (by default Report::write, on the caller's thread).
+using ReportWriter = std::function<void(const Report& report, ReportFormat format, const std::string& path)>;
+std::optional<std::string> saveReportAs(const Report& report, ReportFormat format, UserInteraction& ui,
+                                        const ReportWriter& write = {});
 
 } // namespace qi

@@ -204,11 +204,26 @@ TEST_F(ReportPreviewTest, SavingAPdfShowsItsPagesAndKeepsTheWindowUntilItIsDone)
     EXPECT_EQ(closeTries, pages);
     EXPECT_TRUE(w->pbPdf->isEnabled());
     EXPECT_NE(pdfText(dir.file("seiten.pdf")).find("Seite " + std::to_string(pages) + " von"), std::string::npos);
-    // A CSV file has no pages: no progress window.
+    // A workbook has no pages: its rows are written aside while the window waits, and the
+    // progress window says so.
     user.onStep = {};
-    user.saveChoices = {dir.file("zeilen.csv")};
-    w->pbCsv->click();
-    EXPECT_EQ(user.progressTitles.size(), 1u);
+    user.steps.clear();
+    user.saveChoices = {dir.file("zeilen.xlsx"), dir.file("fehlt/zeilen.xlsx")};
+    w->pbXlsx->click();
+    EXPECT_EQ(user.progressTitles,
+              (std::vector<std::string>{"Als PDF speichern", "Als Excel-Datei speichern"}));
+    ASSERT_EQ(user.steps.size(), 1u);
+    EXPECT_EQ(user.steps[0].step, "Die Zeilen des Berichts werden geschrieben …");
+    EXPECT_EQ(user.steps[0].step, ReportPreview::kWritingRows);
+    EXPECT_EQ(user.progressDepth, 0);
+    EXPECT_GT(xlsxRowCount(dir.file("zeilen.xlsx")), 150);
+    EXPECT_TRUE(user.messages.empty());
+    // A file that can't be written is reported as before, after the writing thread has ended.
+    w->pbXlsx->click();
+    ASSERT_EQ(user.messages.size(), 1u);
+    EXPECT_EQ(user.messages[0].text.rfind("frmReport.SaveAs\r\nDie Datei '", 0), 0u) << user.messages[0].text;
+    EXPECT_EQ(user.progressDepth, 0);
+    EXPECT_FALSE(user.busy);
     EXPECT_TRUE(w->close());
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(kept.isNull());

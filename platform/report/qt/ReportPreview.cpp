@@ -11,6 +11,7 @@
 #include <QCloseEvent>
 #include <QResizeEvent>
 #include <QComboBox>
+#include <QEventLoop>
 #include <QHBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
@@ -30,6 +31,8 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <exception>
+#include <thread>
 
 namespace qi {
 
@@ -321,9 +324,31 @@ void ReportPreview::saveAs(ReportFormat format)
         }
         ui_.reportStep("Seite", page, pages);
     });
+    // A workbook or CSV file has no pages to count: its rows are written on a thread of their own
+    // while the windows wait in their event loop (the report is only read meanwhile).
+    const auto aside = [&](const Report& report, ReportFormat f, const std::string& to) {
+        ui_.beginProgress(title);
+        progressShown = true;
+        ui_.reportStep(kWritingRows, 0, 0);
+        std::exception_ptr error;
+        QEventLoop loop;
+        std::thread worker([&] {
+            try {
+                report.write(f, to);
+            } catch (...) {
+                error = std::current_exception();
+            }
+            QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        });
+        loop.exec();
+        worker.join();
+        if (error)
+            std::rethrow_exception(error);
+    };
     writing_ = true;
     commandBar_->setEnabled(false);
-    const auto path = saveReportAs(*report_, format, ui_);
+    const auto path = format == ReportFormat::Pdf ? saveReportAs(*report_, format, ui_)
+                                                  : saveReportAs(*report_, format, ui_, aside);
     commandBar_->setEnabled(true);
     writing_ = false;
     report_->setPageProgress({});

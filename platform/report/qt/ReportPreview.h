@@ -27,6 +27,8 @@ class UserInteraction;
 class ReportPreview : public QMainWindow {
     Q_OBJECT
 public:
+    /// The progress window's line while a workbook or CSV file is written.
+    static constexpr const char* kWritingRows = "Die Zeilen des Berichts werden geschrieben …";
     /// Key under which the window keeps its size and place.
     static constexpr const char* kStateKey = "frmReport";
 
