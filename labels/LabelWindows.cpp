@@ -143,14 +143,6 @@ QMenu* installLabelMenu(frmWorkWindow& window, const Settings& settings, UserInt
     return menu;
 }
 
-std::optional<GebNode> labelNodeOf(frmRaumWindow& window)
-{
-    const QPoint at = window.tvGeb->viewport()->mapFromGlobal(QCursor::pos());
-    if (const QTreeWidgetItem* item = window.tvGeb->itemAt(at))
-        return QTreeGebStruCtrl::NodeOfItem(item);
-    return window.tvGeb->SelectedNode();
-}
-
 QMenu* installRoomLabelEntries(frmRaumWindow& window, QGebDb* geb, const Settings& settings, UserInteraction& ui)
 {
     auto* menu = new QMenu(&window);

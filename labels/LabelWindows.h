@@ -32,8 +32,7 @@ QMenu* installLabelMenu(frmWorkWindow& window, const Settings& settings, UserInt
 /// Adds the context menu with "Raumetiketten …" and "Begehungsliste …" for the node under the
 /// mouse (else the selected node) to the room selection's building tree; answers the menu.
 QMenu* installRoomLabelEntries(frmRaumWindow& window, QGebDb* geb, const Settings& settings, UserInteraction& ui);
-/// The node the room selection's context menu acts on: the one under the mouse, else the selected one.
-std::optional<GebNode> labelNodeOf(frmRaumWindow& window);
+
 
 /// The pages of label sheets in a window of their own, with a button that prints them.
 class LabelPreview : public QDialog {

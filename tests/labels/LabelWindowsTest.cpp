@@ -5,6 +5,7 @@
 
 #include "ProgramFixture.h"
 
+#include "FileSystem.h"
 #include "LabelDialog.h"
 #include "LabelWindows.h"
 #include "QTreeGebStruCtrl.h"
@@ -186,6 +187,62 @@ TEST_F(LabelWindowsTest, ObjectLabelsOfTheNewInventoryAskForTheSymbology)
     ASSERT_NE(action, nullptr);
     action->trigger();
     EXPECT_TRUE(asked);
+}
+
+TEST_F(LabelWindowsTest, TheRoomSelectionOffersLabelsAndTheWalkListOfANode)
+{
+    startProgram();
+    newOrder("Erdgeschoss");
+    openOrder("Erdgeschoss");
+    ASSERT_NE(work(), nullptr);
+    const std::string pdf = root.file("geschoss.pdf");
+    ui.saveChoices.push_back(pdf);
+    bool shown = false;
+    whenModal<frmRaumWindow>([&](frmRaumWindow& w) {
+        ASSERT_TRUE(w.tvGeb->SelectNode(firstFloor()));
+        QTreeWidgetItem* item = w.tvGeb->ItemOfNode(firstFloor());
+        ASSERT_NE(item, nullptr);
+        emit w.tvGeb->customContextMenuRequested(w.tvGeb->visualItemRect(item).center());
+        QApplication::processEvents();
+        auto* menu = w.findChild<QMenu*>(QStringLiteral("mnuRaumEtiketten"));
+        ASSERT_NE(menu, nullptr);
+        QStringList entries;
+        for (QAction* a : menu->actions())
+            entries << a->text();
+        EXPECT_EQ(entries, (QStringList{"&Raumetiketten …", "&Begehungsliste …"}));
+        EXPECT_TRUE(menu->isVisible());
+        screenshot(*menu, QStringLiteral("room-selection-label-menu"));
+        menu->hide();
+
+        // The walk list of the floor's rooms.
+        menu->actions().at(1)->trigger();
+        ReportPreview* preview = w.findChild<ReportPreview*>();
+        ASSERT_NE(preview, nullptr);
+        EXPECT_EQ(preview->windowTitle(), QStringLiteral("Begehungsliste"));
+        preview->close();
+
+        // The floor's room labels as PDF.
+        whenModal<LabelDialog>([&](LabelDialog& dialog) {
+            EXPECT_EQ(dialog.lbWhat->text().toStdString(),
+                      std::to_string(roomNumbers().size()) + " Räume unter '" + [&] {
+                          for (const demo::Node& n : inst.nodes)
+                              if (n.id == firstFloor())
+                                  return n.name;
+                          return std::string();
+                      }() + "'");
+            dialog.rbPdf->setChecked(true);
+            dialog.accept();
+        });
+        menu->actions().at(0)->trigger();
+        shown = true;
+        w.pbFertig->click();
+    });
+    work()->pbRooms->click();
+    EXPECT_TRUE(shown);
+    ASSERT_FALSE(ui.messages.empty());
+    EXPECT_EQ(ui.messages.back().text,
+              "Etiketten geschrieben: " + pdf + " (" + std::to_string(roomNumbers().size()) + " Etiketten, 1 Seite).");
+    EXPECT_TRUE(fileExists(pdf));
 }
 
 } // namespace
