@@ -259,6 +259,14 @@ TEST_F(ReportPreviewTest, PrintsThePagesThePrinterAsksFor)
     EXPECT_NE(text.find("Seite 2 von " + std::to_string(window->report().pageCount())), std::string::npos);
     EXPECT_EQ(text.find("Seite 1 von"), std::string::npos);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\f'), 1);
+    // The one page printed showed in a progress window titled as the print dialog.
+    EXPECT_EQ(ui.progressTitles, std::vector<std::string>{"Drucken"});
+    ASSERT_EQ(ui.steps.size(), 1u);
+    EXPECT_EQ(ui.steps[0].step, "Seite");
+    EXPECT_EQ(ui.steps[0].done, 1);
+    EXPECT_EQ(ui.steps[0].total, 1);
+    EXPECT_EQ(ui.progressDepth, 0);
+    EXPECT_TRUE(window->pbPrint->isEnabled());
 }
 
 TEST_F(ReportPreviewTest, ClosingTheWindowDeletesIt)

@@ -22,7 +22,7 @@ void preparePrinter(const PagedDocument& document, QPrinter& printer)
     printer.setDocName(QString::fromStdString(document.documentTitle()));
 }
 
-void printReport(const PagedDocument& document, QPrinter& printer)
+void printReport(const PagedDocument& document, QPrinter& printer, const std::function<void(int page, int pages)>& progress)
 {
     const int pageCount = document.pageCount();
     int from = printer.fromPage(), to = printer.toPage();
@@ -65,6 +65,8 @@ void printReport(const PagedDocument& document, QPrinter& printer)
         if (page > from)
             printer.newPage();
         pages->paint(painter, page - 1);
+        if (progress)
+            progress(page - from + 1, to - from + 1);
     }
     const bool ended = painter.end();
     if (file) {

@@ -2,6 +2,8 @@
 // Pages on a printer (a report's, a sheet of labels): the pages the printer's range asks
 // for (all when it names none), at the printer's resolution, on the document's sheet.
 
+#include <functional>
+
 class QPrinter;
 
 namespace qi {
@@ -14,7 +16,9 @@ class PagedDocument;
 void preparePrinter(const PagedDocument& document, QPrinter& printer);
 
 /// Prints the pages on `printer` (prepared with preparePrinter). ReportError when the
-/// printer can't be used.
-void printReport(const PagedDocument& document, QPrinter& printer);
+/// printer can't be used. `progress` is told after each page with the page's place among the
+/// pages printed and their number.
+void printReport(const PagedDocument& document, QPrinter& printer,
+                 const std::function<void(int page, int pages)>& progress = {});
 
 } // namespace qi
