@@ -295,10 +295,10 @@ std::vector<CommandInfo> makeCommands()
                         "--symbologie"},
                  {"--alle", "--neu"},
                  {kSuccess, kFailure, kBadArguments, kProjectUnusable, kOrderUnknown, kRoomUnknown},
-                 {"qinventur-cli etiketten raeume \"Lager Süd\" --layout \"A4 3x8\" --ausgabe tueren.pdf",
-                  "qinventur-cli etiketten raeume --knoten 3 --layout \"A4 3x8\" --ausgabe eg.pdf --start 5",
-                  "qinventur-cli etiketten objekte \"Lager Süd\" --neu --layout \"A4 4x12\" --ausgabe neu.pdf",
-                  "qinventur-cli etiketten objekte --von I0100000 --bis I0100199 --layout \"A4 4x12\" "
+                 {"qinventur-cli etiketten raeume \"Lager Süd\" --layout A4-3x8 --ausgabe tueren.pdf",
+                  "qinventur-cli etiketten raeume --knoten 3 --layout A4-3x8 --ausgabe eg.pdf --start 5",
+                  "qinventur-cli etiketten objekte \"Lager Süd\" --neu --layout A4-4x10 --ausgabe neu.pdf",
+                  "qinventur-cli etiketten objekte --von I0100000 --bis I0100199 --layout A4-4x10 "
                   "--ausgabe bereich.pdf --symbologie datamatrix"}});
     c.push_back({"begehungsliste", "begehungsliste (NAME | --knoten ID) --ausgabe PFAD [--format pdf|xlsx|csv]",
                  "Begehungsliste schreiben",
