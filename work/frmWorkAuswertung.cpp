@@ -1,5 +1,6 @@
 #include "frmWork.h"
 
+#include "Categories.h"
 #include "JetSql.h"
 #include "LinkedDatabase.h"
 #include "QuarnHost.h"
@@ -25,7 +26,6 @@ namespace qi {
 namespace {
 
 constexpr const char* kEvaluationTitle = "Auswertung";
-constexpr const char* kTyp3b = "3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.";
 
 namespace step {
 constexpr const char* Soll = "Sollbestand der Räume";
@@ -280,7 +280,7 @@ bool frmWork::ReportDifferenzListe()
                           "SELECT ?2, q.stName, q.stBeschreibung, q.stArtNr, ?3 FROM (" +
                           geb->ObjectsOfRoomQuery(kObjectsSchema) + ") AS q ORDER BY q.lId";
             }
-            if (orderDb.execute(sollSql, {std::int64_t{room.lIdRB}, std::int64_t{room.lID}, std::string(kTyp3b)}) == 0) {
+            if (orderDb.execute(sollSql, {std::int64_t{room.lIdRB}, std::int64_t{room.lID}, std::string(category::k3b)}) == 0) {
                 // Every room is listed, also one where Quarn expects nothing.
                 rec.Init();
                 rec.lRaumID = room.lID;

@@ -1,5 +1,6 @@
 #pragma once
-// The six categories of a difference list (stTyp), as the evaluation of an order writes them.
+// The six categories of a difference list (stTyp), as the evaluation of an order writes them
+// (the statements keep them as literals in their text; code that binds or compares one uses these).
 
 namespace qi::category {
 
