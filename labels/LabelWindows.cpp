@@ -1,18 +1,16 @@
 #include "LabelWindows.h"
 
 #include "QTreeGebStruCtrl.h"
+#include "ReportPageView.h"
 #include "ReportPreview.h"
+#include "ReportPrinting.h"
 #include "frmRaumWindow.h"
 #include "frmWorkWindow.h"
 #include "LabelDialog.h"
 
 #include <QDialogButtonBox>
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPageLayout>
-#include <QPainter>
-#include <QPixmap>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
@@ -25,7 +23,7 @@ namespace {
 
 QString qs(const std::string& s) { return QString::fromStdString(s); }
 
-/// Screen pixels per point of the preview.
+/// Screen pixels per point of the pages in the preview.
 constexpr double kPreviewZoom = 1.25;
 
 QString nodeText(const GebNode& node)
@@ -35,78 +33,71 @@ QString nodeText(const GebNode& node)
 
 } // namespace
 
-LabelPreview::LabelPreview(LabelSheets sheets, const std::string& title, QWidget* parent)
+LabelPreview::LabelPreview(LabelSheets sheets, const std::string& title, UserInteraction& ui, QWidget* parent)
     : QDialog(parent), sheets_(std::move(sheets))
 {
+    sheets_.setTitle(title);
     setWindowTitle(qs(title));
     setAttribute(Qt::WA_DeleteOnClose);
     auto* layout = new QVBoxLayout(this);
     area_ = new QScrollArea(this);
+    area_->setBackgroundRole(QPalette::Dark);
     auto* pages = new QWidget(area_);
     auto* column = new QVBoxLayout(pages);
-    const double mmToPt = 72.0 / 25.4;
-    const int width = int(sheets_.layout().pageWidthMm * mmToPt * kPreviewZoom);
-    const int height = int(sheets_.layout().pageHeightMm * mmToPt * kPreviewZoom);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
     for (int page = 0; page < sheets_.pageCount(); ++page) {
-        QPixmap pixmap(width, height);
-        pixmap.fill(Qt::white);
-        {
-            QPainter painter(&pixmap);
-            painter.setRenderHint(QPainter::Antialiasing, false);
-            sheets_.paint(painter, page, kPreviewZoom);
-            painter.setPen(Qt::gray);
-            painter.drawRect(0, 0, width - 1, height - 1);
-        }
-        auto* label = new QLabel(pages);
-        label->setPixmap(pixmap);
-        column->addWidget(label);
+        auto* view = new ReportPageView(sheets_, pages);
+        view->showPage(page, kPreviewZoom * 72.0 / view->logicalDpiY());
+        // Each page whole, one below the other; the desk as wide as the window.
+        view->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        column->addWidget(view);
+        pageViews_.push_back(view);
     }
     area_->setWidget(pages);
+    area_->setWidgetResizable(true);
     layout->addWidget(area_);
     auto* buttons = new QDialogButtonBox(this);
     QPushButton* print = buttons->addButton(QStringLiteral("&Drucken …"), QDialogButtonBox::ActionRole);
     QPushButton* close = buttons->addButton(QStringLiteral("&Schließen"), QDialogButtonBox::RejectRole);
-    connect(print, &QPushButton::clicked, this, [this, title] { printLabelSheets(sheets_, title, this); });
+    connect(print, &QPushButton::clicked, this, [this, &ui] { printLabelSheets(sheets_, ui, this); });
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     layout->addWidget(buttons);
+    const int width = pageViews_.empty() ? 0 : pageViews_.front()->sizeHint().width();
     resize(std::min(width + 60, 1000), 800);
 }
 
 LabelPreview::~LabelPreview() = default;
 
-void printLabelSheets(const LabelSheets& sheets, const std::string& title, QWidget* parent)
+bool printLabelSheets(const LabelSheets& sheets, UserInteraction& ui, QWidget* parent)
 {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setDocName(qs(title));
-    printer.setFullPage(true);
-    printer.setPageLayout(QPageLayout(
-        QPageSize(QSizeF(sheets.layout().pageWidthMm, sheets.layout().pageHeightMm), QPageSize::Millimeter),
-        QPageLayout::Portrait, QMarginsF()));
-    printer.setFromTo(1, sheets.pageCount());
+    preparePrinter(sheets, printer);
     QPrintDialog dialog(&printer, parent);
     dialog.setWindowTitle(QStringLiteral("Drucken"));
+    dialog.setMinMax(1, sheets.pageCount());
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
+    dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
     if (dialog.exec() != QDialog::Accepted)
-        return;
-    QPainter painter(&printer);
-    const double unitsPerPoint = printer.resolution() / 72.0;
-    const int first = std::max(printer.fromPage(), 1) - 1;
-    const int last = printer.toPage() > 0 ? std::min(printer.toPage(), sheets.pageCount()) : sheets.pageCount();
-    for (int page = first; page < last; ++page) {
-        if (page > first)
-            printer.newPage();
-        sheets.paint(painter, page, unitsPerPoint);
-    }
+        return false;
+    return printSheetsOn(sheets, printer, ui);
+}
+
+bool printSheetsOn(const LabelSheets& sheets, QPrinter& printer, UserInteraction& ui)
+{
+    return printWithProgress(sheets, printer, ui, "frmEtiketten.Print");
 }
 
 void connectLabelCommands(LabelCommands& commands, UserInteraction& ui, QWidget* parent)
 {
     commands.chooseLabels = [parent](const LabelDialogRequest& r) { return LabelDialog::ask(r, parent); };
-    commands.showSheets = [parent](LabelSheets sheets, const std::string& title) {
-        auto* preview = new LabelPreview(std::move(sheets), title, parent);
+    commands.showSheets = [&ui, parent](LabelSheets sheets, const std::string& title) {
+        auto* preview = new LabelPreview(std::move(sheets), title, ui, parent);
         preview->show();
     };
-    commands.printSheets = [parent](LabelSheets sheets, const std::string& title) {
-        printLabelSheets(sheets, title, parent);
+    commands.printSheets = [&ui, parent](LabelSheets sheets, const std::string& title) {
+        sheets.setTitle(title);
+        printLabelSheets(sheets, ui, parent);
     };
     commands.showWalkList = [&ui, parent](std::unique_ptr<Report> report) {
         auto* preview = new ReportPreview(std::move(report), ui, parent);

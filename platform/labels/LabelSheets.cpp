@@ -417,6 +417,12 @@ QPageLayout LabelSheets::pageLayout() const
 
 std::string LabelSheets::documentTitle() const { return d_->title; }
 
+std::string LabelSheets::cannotPrintText(const std::string& printer) const
+{
+    return printer.empty() ? std::string("Die Etiketten können nicht gedruckt werden.")
+                           : "Die Etiketten können auf dem Drucker '" + printer + "' nicht gedruckt werden.";
+}
+
 std::unique_ptr<PagePainting> LabelSheets::pagePainter(double dpi, double unitsPerPoint, bool) const
 {
     return std::make_unique<LabelPagePainter>(*d_, *this, dpi, unitsPerPoint);

@@ -115,6 +115,7 @@ public:
     double pageHeight() const override;
     QPageLayout pageLayout() const override;
     std::string documentTitle() const override;
+    std::string cannotPrintText(const std::string& printer) const override;
     std::unique_ptr<PagePainting> pagePainter(double dpi, double unitsPerPoint, bool hinted) const override;
 
     /// Writes the sheets as a PDF that replaces an earlier file only when complete;

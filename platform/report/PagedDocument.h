@@ -30,6 +30,9 @@ public:
     virtual QPageLayout pageLayout() const = 0;
     /// The title the files written carry and the printer's document name.
     virtual std::string documentTitle() const = 0;
+    /// What a print that fails says: that the document can't be printed, on `printer` when
+    /// that has a name (empty: none).
+    virtual std::string cannotPrintText(const std::string& printer) const = 0;
     /// A painter of the pages for a device of `dpi` dots per inch on which one point is
     /// `unitsPerPoint` device units (the zoom); `hinted` for screens.
     virtual std::unique_ptr<PagePainting> pagePainter(double dpi, double unitsPerPoint, bool hinted) const = 0;

@@ -104,6 +104,12 @@ std::string Report::documentTitle() const
     return windowTitle().empty() ? model().definition().title : windowTitle();
 }
 
+std::string Report::cannotPrintText(const std::string& printer) const
+{
+    return printer.empty() ? std::string("Der Bericht kann nicht gedruckt werden.")
+                           : "Der Bericht kann auf dem Drucker '" + printer + "' nicht gedruckt werden.";
+}
+
 std::unique_ptr<PagePainting> Report::pagePainter(double dpi, double unitsPerPoint, bool hinted) const
 {
     return std::make_unique<PagePainter>(layout(), dpi, unitsPerPoint, hinted);

@@ -69,6 +69,7 @@ public:
     double pageHeight() const override { return layout().pageHeight(); }
     QPageLayout pageLayout() const override;
     std::string documentTitle() const override;
+    std::string cannotPrintText(const std::string& printer) const override;
     std::unique_ptr<PagePainting> pagePainter(double dpi, double unitsPerPoint, bool hinted) const override;
 
     /// Writes the report; ReportError naming the file when it can't be written.

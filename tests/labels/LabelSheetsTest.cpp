@@ -218,6 +218,29 @@ TEST(LabelSheets, ABarcodeTooNarrowToScanIsRefusedNamingTheLabel)
     EXPECT_NEAR(qr.barcodeRect(0).width, qr.barcodeRect(0).height, 1e-9);
 }
 
+TEST(LabelSheets, TextTooTallEvenInTheSmallestTypeIsRefusedNamingTheLabel)
+{
+    // Twenty lines don't fit beside the barcode of a label printer's label even at 5 pt.
+    std::vector<std::string> lines(20, "Zeile");
+    EXPECT_EQ(messageOf([&] { LabelSheets(shipped("Etikettendrucker-62x29"), {{"R-1", Symbology::Code128, lines}}); }),
+              "Der Text des Etiketts 'R-1' passt auch in der kleinsten Schrift nicht auf das Etikett (62 × 29 mm).");
+    // Nor beside a QR code; the label refused is the one named, not the first.
+    EXPECT_EQ(messageOf([&] {
+                  LabelSheets(shipped("A4-4x10"), {{"R-1", Symbology::QrCode, {"R-1"}}, {"R-2", Symbology::QrCode, lines}});
+              }),
+              "Der Text des Etiketts 'R-2' passt auch in der kleinsten Schrift nicht auf das Etikett (48,5 × 25,4 mm).");
+    // Three lines still fit there.
+    EXPECT_NO_THROW(LabelSheets(shipped("Etikettendrucker-62x29"), numbered(1)));
+}
+
+TEST(LabelSheets, AFailedPrintSaysTheLabelsCannotBePrinted)
+{
+    const LabelSheets sheets(shipped("A4-3x8"), numbered(1));
+    EXPECT_EQ(sheets.cannotPrintText(""), "Die Etiketten können nicht gedruckt werden.");
+    EXPECT_EQ(sheets.cannotPrintText("Etikettendrucker"),
+              "Die Etiketten können auf dem Drucker 'Etikettendrucker' nicht gedruckt werden.");
+}
+
 TEST(LabelSheets, AnEmptyCodeIsRefused)
 {
     EXPECT_EQ(messageOf([] { LabelSheets(shipped("A4-3x8"), {{"", Symbology::Code128, {"Raum"}}}); }),

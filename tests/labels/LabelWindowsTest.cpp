@@ -1,7 +1,8 @@
 // The label commands in the windows on the demo project: the work window's menu "&Etiketten"
 // after its own menus, the label dialog (screenshots of both), room labels saved as PDF from
-// it with every barcode read back, the walk list opened in the report preview, and the room
-// selection's context menu of the building tree.
+// it with every barcode read back, the preview of the sheets (screenshot) and their printing
+// with the report engine's pages, progress and a failure of their own, the walk list opened in
+// the report preview, and the room selection's context menu of the building tree.
 
 #include "ProgramFixture.h"
 
@@ -9,6 +10,8 @@
 #include "LabelDialog.h"
 #include "LabelWindows.h"
 #include "QTreeGebStruCtrl.h"
+#include "ReportPageView.h"
+#include "ReportPrinting.h"
 #include "ReportPreview.h"
 #include "Screenshots.h"
 #include "frmRaumWindow.h"
@@ -19,6 +22,9 @@
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
+#include <QPrinter>
+#include <QPushButton>
 
 #include <algorithm>
 #include <cstdio>
@@ -48,6 +54,21 @@ std::vector<std::string> splitLines(const std::string& text)
             lines.back() += c;
     }
     return lines;
+}
+
+/// Thirty room labels on A4 sheets of 3 × 8: two sheets.
+LabelSheets twoSheets()
+{
+    LabelLayout layout;
+    layout.name = "A4, 3 × 8 Etiketten, 70 × 37 mm";
+    layout.columns = 3;
+    layout.rows = 8;
+    std::vector<Label> labels;
+    for (int i = 1; i <= 30; ++i) {
+        const std::string nr = "1.01." + std::to_string(100 + i);
+        labels.push_back({nr, Symbology::Code128, {nr, "Büro", "Gebäude A, 1. OG"}});
+    }
+    return LabelSheets(layout, std::move(labels));
 }
 
 class LabelWindowsTest : public ProgramFixture {
@@ -151,6 +172,78 @@ TEST_F(LabelWindowsTest, RoomLabelsOfTheOrderAreSavedAsPdfAndScan)
             decoded.push_back(line);
     std::sort(decoded.begin(), decoded.end());
     EXPECT_EQ(decoded, roomNumbers());
+}
+
+TEST_F(LabelWindowsTest, ThePreviewShowsEverySheetAsAPageOfTheReportEngine)
+{
+    auto* preview = new LabelPreview(twoSheets(), "Raumetiketten", ui);
+    preview->show();
+    EXPECT_EQ(preview->windowTitle(), QStringLiteral("Raumetiketten"));
+    EXPECT_EQ(preview->sheets().documentTitle(), "Raumetiketten");
+    ASSERT_EQ(preview->pageViews().size(), 2u);
+    for (int page = 0; page < 2; ++page) {
+        const ReportPageView* view = preview->pageViews()[std::size_t(page)];
+        EXPECT_EQ(view->page(), page);
+        // 1.25 screen pixels per point: an A4 sheet 744 × 1052 pixels.
+        EXPECT_EQ(view->pageSize(), QSize(744, 1052));
+        // The whole page is shown, with the desk around it.
+        EXPECT_EQ(view->height(), 1052 + 2 * ReportPageView::kMargin);
+    }
+    QStringList buttons;
+    for (QAbstractButton* b : preview->findChild<QDialogButtonBox*>()->buttons())
+        buttons << b->text();
+    buttons.sort();
+    EXPECT_EQ(buttons, (QStringList{"&Drucken …", "&Schließen"}));
+    const QImage shot = screenshot(*preview, QStringLiteral("label-preview"));
+    // The sheet is white on the grey desk and carries the black bars of the barcodes.
+    const QImage page = shot.copy(QRect(preview->pageViews()[0]->mapTo(preview, QPoint(0, 0)),
+                                        preview->pageViews()[0]->size()));
+    int black = 0, white = 0;
+    for (int y = 0; y < page.height(); y += 2)
+        for (int x = 0; x < page.width(); x += 2) {
+            const int gray = qGray(page.pixel(x, y));
+            black += gray < 60;
+            white += gray > 245;
+        }
+    EXPECT_GT(black, 200);
+    EXPECT_GT(white, black);
+    preview->close();
+}
+
+TEST_F(LabelWindowsTest, SheetsArePrintedAsTheReportsWithTheirPagesShownInProgress)
+{
+    const LabelSheets sheets = twoSheets();
+    QPrinter printer(QPrinter::HighResolution);
+    preparePrinter(sheets, printer);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(QString::fromStdString(root.file("druck.pdf")));
+    ASSERT_TRUE(printSheetsOn(sheets, printer, ui));
+    EXPECT_TRUE(ui.messages.empty());
+    EXPECT_EQ(ui.progressTitles, std::vector<std::string>{"Drucken"});
+    ASSERT_EQ(ui.steps.size(), 2u);
+    EXPECT_EQ(ui.steps[1].step, "Seite");
+    EXPECT_EQ(ui.steps[1].done, 2);
+    EXPECT_EQ(ui.steps[1].total, 2);
+    EXPECT_EQ(ui.progressDepth, 0);
+    EXPECT_FALSE(ui.busy);
+    const std::string info = commandOutput("pdfinfo '" + root.file("druck.pdf") + "'");
+    EXPECT_NE(info.find("Pages:           2\n"), std::string::npos) << info;
+    EXPECT_NE(info.find("Page size:       595 x 842 pts (A4)"), std::string::npos) << info;
+    EXPECT_NE(info.find("Title:           Etiketten\n"), std::string::npos) << info;
+}
+
+TEST_F(LabelWindowsTest, AFailedPrintSaysTheLabelsCannotBePrinted)
+{
+    const LabelSheets sheets = twoSheets();
+    QPrinter printer(QPrinter::HighResolution);
+    preparePrinter(sheets, printer);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(QString());
+    EXPECT_FALSE(printSheetsOn(sheets, printer, ui));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "frmEtiketten.Print\r\nDie Etiketten können nicht gedruckt werden.");
+    EXPECT_EQ(ui.progressDepth, 0);
+    EXPECT_FALSE(ui.busy);
 }
 
 TEST_F(LabelWindowsTest, TheWalkListOpensInTheReportPreview)

@@ -269,6 +269,22 @@ TEST_F(ReportPreviewTest, PrintsThePagesThePrinterAsksFor)
     EXPECT_TRUE(window->pbPrint->isEnabled());
 }
 
+TEST_F(ReportPreviewTest, AFailedPrintSaysTheReportCannotBePrinted)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    preparePrinter(window->report(), printer);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(QString());
+    EXPECT_FALSE(window->print(printer));
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "frmReport.Print\r\nDer Bericht kann nicht gedruckt werden.");
+    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(window->report().cannotPrintText("Büro"), "Der Bericht kann auf dem Drucker 'Büro' nicht gedruckt werden.");
+    EXPECT_EQ(ui.progressDepth, 0);
+    EXPECT_FALSE(ui.busy);
+    EXPECT_TRUE(window->pbPrint->isEnabled());
+}
+
 TEST_F(ReportPreviewTest, ClosingTheWindowDeletesIt)
 {
     QPointer<ReportPreview> w(window);

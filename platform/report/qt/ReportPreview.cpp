@@ -298,34 +298,12 @@ void ReportPreview::printWithDialog()
 
 bool ReportPreview::print(QPrinter& printer)
 {
-    // The pages printed show in a progress window, and the windows keep answering meanwhile.
-    bool progressShown = false;
-    const auto endProgress = [&] {
-        if (progressShown)
-            ui_.endProgress();
+    writing_ = true;
+    commandBar_->setEnabled(false);
+    return printWithProgress(*report_, printer, ui_, "frmReport.Print", [this] {
         writing_ = false;
         commandBar_->setEnabled(true);
-    };
-    try {
-        ui_.setBusy(true);
-        writing_ = true;
-        commandBar_->setEnabled(false);
-        printReport(*report_, printer, [&](int page, int pages) {
-            if (!progressShown) {
-                ui_.beginProgress("Drucken");
-                progressShown = true;
-            }
-            ui_.reportStep("Seite", page, pages);
-        });
-        endProgress();
-        ui_.setBusy(false);
-        return true;
-    } catch (const std::exception& e) {
-        endProgress();
-        ui_.setBusy(false);
-        ui_.showError("frmReport.Print", e.what());
-        return false;
-    }
+    });
 }
 
 void ReportPreview::saveAs(ReportFormat format)

@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "PagedDocument.h"
 #include "ReportError.h"
+#include "UserInteraction.h"
 
 #include <QPageLayout>
 #include <QPageSize>
@@ -54,10 +55,7 @@ void printReport(const PagedDocument& document, QPrinter& printer, const std::fu
     if (!painter.begin(&printer)) {
         if (file)
             throw cannotWrite(outputFile.toStdString());
-        throw ReportError(printer.printerName().isEmpty()
-                              ? std::string("Der Bericht kann nicht gedruckt werden.")
-                              : "Der Bericht kann auf dem Drucker '" + printer.printerName().toStdString() +
-                                    "' nicht gedruckt werden.");
+        throw ReportError(document.cannotPrintText(printer.printerName().toStdString()));
     }
     const double dpi = printer.resolution();
     const std::unique_ptr<PagePainting> pages = document.pagePainter(dpi, dpi / 72.0, false);
@@ -77,6 +75,35 @@ void printReport(const PagedDocument& document, QPrinter& printer, const std::fu
         } catch (const FileError& e) {
             throw ReportError(e.what());
         }
+    }
+}
+
+bool printWithProgress(const PagedDocument& document, QPrinter& printer, UserInteraction& ui,
+                       const std::string& errorLabel, const std::function<void()>& done)
+{
+    bool progressShown = false;
+    const auto end = [&] {
+        if (progressShown)
+            ui.endProgress();
+        if (done)
+            done();
+        ui.setBusy(false);
+    };
+    try {
+        ui.setBusy(true);
+        printReport(document, printer, [&](int page, int pages) {
+            if (!progressShown) {
+                ui.beginProgress("Drucken");
+                progressShown = true;
+            }
+            ui.reportStep("Seite", page, pages);
+        });
+        end();
+        return true;
+    } catch (const std::exception& e) {
+        end();
+        ui.showError(errorLabel, e.what());
+        return false;
     }
 }
 
