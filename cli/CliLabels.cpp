@@ -150,28 +150,11 @@ int Session::etiketten()
             }
             const LabelRoomDirectory directory(*startup_.gebDb);
             std::vector<LabelRoom> chosen;
-            if (inv_.has("--alle")) {
-                chosen = directory.all();
-            } else if (inv_.options.count("--knoten")) {
-                const std::int32_t node = std::int32_t(intOption(inv_, "--knoten", 0));
-                if (!directory.hasNode(node)) {
-                    say("Einen Knoten " + inv_.option("--knoten") + " gibt es in der Gebäudestruktur von Quarn nicht.");
-                    return kRoomUnknown;
-                }
-                chosen = directory.underNode(node);
-            } else {
-                CAuftragRec* rec = order(inv_.args.at(1));
-                if (!rec)
-                    return kOrderUnknown;
-                if (!open(*rec, OrderAccess::Look))
-                    return kFailure;
-                CRaumRecColl orderRooms;
-                if (!db_->ReadAllRaumRec2Coll(orderRooms)) {
-                    say(db_->LastError());
-                    return kFailure;
-                }
-                chosen = directory.ofOrder(orderRooms);
-            }
+            std::string scope;
+            if (const int rc = chosenRooms(directory, inv_.args.size() > 1 ? inv_.args.at(1) : std::string(),
+                                           chosen, scope);
+                rc != kSuccess)
+                return rc;
             if (chosen.empty()) {
                 say("Keine Räume: Es wird kein Etikett geschrieben.");
                 return kFailure;
@@ -214,16 +197,13 @@ int Session::etiketten()
     }
 }
 
-int Session::begehungsliste()
+int Session::chosenRooms(const LabelRoomDirectory& directory, const std::string& orderName,
+                         std::vector<LabelRoom>& rooms, std::string& scope)
 {
-    if (!startup_.gebDb) {
-        say("Die Gebäudestruktur von Quarn ist nicht geöffnet.");
-        return kFailure;
-    }
-    const LabelRoomDirectory directory(*startup_.gebDb);
-    std::vector<LabelRoom> rooms;
-    std::string scope;
-    if (inv_.options.count("--knoten")) {
+    if (inv_.has("--alle")) {
+        rooms = directory.all();
+        scope = "Alle Räume";
+    } else if (inv_.options.count("--knoten")) {
         const std::int32_t node = std::int32_t(intOption(inv_, "--knoten", 0));
         if (!directory.hasNode(node)) {
             say("Einen Knoten " + inv_.option("--knoten") + " gibt es in der Gebäudestruktur von Quarn nicht.");
@@ -232,7 +212,7 @@ int Session::begehungsliste()
         rooms = directory.underNode(node);
         scope = "Knoten " + inv_.option("--knoten");
     } else {
-        CAuftragRec* rec = order(inv_.args.at(0));
+        CAuftragRec* rec = order(orderName);
         if (!rec)
             return kOrderUnknown;
         if (!open(*rec, OrderAccess::Look))
@@ -245,6 +225,21 @@ int Session::begehungsliste()
         rooms = directory.ofOrder(orderRooms);
         scope = rec->stBezeichung;
     }
+    return kSuccess;
+}
+
+int Session::begehungsliste()
+{
+    if (!startup_.gebDb) {
+        say("Die Gebäudestruktur von Quarn ist nicht geöffnet.");
+        return kFailure;
+    }
+    const LabelRoomDirectory directory(*startup_.gebDb);
+    std::vector<LabelRoom> rooms;
+    std::string scope;
+    if (const int rc = chosenRooms(directory, inv_.args.empty() ? std::string() : inv_.args.at(0), rooms, scope);
+        rc != kSuccess)
+        return rc;
     const std::string output = absolutePath(inv_.option("--ausgabe"));
     const std::unique_ptr<Database> data = walkListData(settings_, *startup_.gebDb, rooms);
     const std::unique_ptr<Report> report = openWalkList(settings_, *data, scope);

@@ -19,6 +19,11 @@
 #include <utility>
 #include <vector>
 
+namespace qi {
+struct LabelRoom;
+class LabelRoomDirectory;
+} // namespace qi
+
 namespace qi::cli {
 
 /// A path given on the command line, made absolute against the working folder.
@@ -86,6 +91,11 @@ private:
     /// Labels and the walk list (CliLabels.cpp).
     int etiketten();
     int begehungsliste();
+    /// The rooms a label or walk-list command names: all (--alle), those below the node --knoten,
+    /// or the rooms of the order `orderName`; `scope` says which. kSuccess, or the exit code after
+    /// the message.
+    int chosenRooms(const LabelRoomDirectory& directory, const std::string& orderName,
+                    std::vector<LabelRoom>& rooms, std::string& scope);
     /// The kept order databases (CliKeptOrders.cpp).
     int gesichert();
     int wiederherstellen();

@@ -30,15 +30,6 @@ LabelError layoutError(const std::string& file, int line, const std::string& wha
     return LabelError(where + ": " + what);
 }
 
-std::string_view trim(std::string_view s)
-{
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
-        s.remove_suffix(1);
-    return s;
-}
-
 enum class Kind { Text, Length, Count };
 
 struct Key {
@@ -88,7 +79,7 @@ LabelLayout parseLayout(std::string_view text, const std::string& file)
         std::size_t end = text.find('\n', pos);
         if (end == std::string_view::npos)
             end = text.size();
-        const std::string_view line = trim(text.substr(pos, end - pos));
+        const std::string_view line = definitionTrim(text.substr(pos, end - pos));
         pos = end + 1;
         ++lineNo;
         if (line.empty() || line.front() == '#' || line.front() == ';')
@@ -96,7 +87,7 @@ LabelLayout parseLayout(std::string_view text, const std::string& file)
         const std::size_t eq = line.find('=');
         if (eq == std::string_view::npos)
             throw layoutError(file, lineNo, "Erwartet wird 'Schlüssel = Wert'.");
-        const std::string name(trim(line.substr(0, eq)));
+        const std::string name(definitionTrim(line.substr(0, eq)));
         const std::string key = definitionKey(name);
         const auto known = std::find_if(kKeys.begin(), kKeys.end(),
                                         [&](const Key& k) { return definitionKey(k.name) == key; });
@@ -104,7 +95,7 @@ LabelLayout parseLayout(std::string_view text, const std::string& file)
             throw layoutError(file, lineNo, "Unbekannter Schlüssel '" + name + "'.");
         if (values.count(known->name))
             throw layoutError(file, lineNo, "Der Schlüssel '" + std::string(known->name) + "' steht zweimal in der Datei.");
-        values[known->name] = Value{std::string(trim(line.substr(eq + 1))), lineNo};
+        values[known->name] = Value{std::string(definitionTrim(line.substr(eq + 1))), lineNo};
     }
 
     LabelLayout layout;

@@ -30,21 +30,12 @@ std::string normalised(std::string_view name)
     return s.toStdString();
 }
 
-std::string_view trim(std::string_view s)
-{
-    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
-        s.remove_prefix(1);
-    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
-        s.remove_suffix(1);
-    return s;
-}
-
 /// A field name as written: "[Anzahl von stName]" stands for "Anzahl von stName".
 std::string fieldName(std::string_view s)
 {
-    s = trim(s);
+    s = definitionTrim(s);
     if (s.size() >= 2 && s.front() == '[' && s.back() == ']')
-        s = trim(s.substr(1, s.size() - 2));
+        s = definitionTrim(s.substr(1, s.size() - 2));
     return std::string(s);
 }
 
@@ -173,7 +164,7 @@ private:
             ++lineNo;
             if (!raw.empty() && raw.back() == '\r')
                 raw.remove_suffix(1);
-            const std::string_view line = trim(raw);
+            const std::string_view line = definitionTrim(raw);
             if (line.empty() || line.front() == '#' || line.front() == ';') {
                 if (end == text_.size())
                     break;
@@ -209,7 +200,7 @@ private:
                                  "eckigen Klammern.");
                 if (!current)
                     fail(lineNo, "Vor dem ersten Abschnitt darf kein Schlüssel stehen.");
-                const std::string name(trim(line.substr(0, eq)));
+                const std::string name(definitionTrim(line.substr(0, eq)));
                 const std::string key = normalised(name);
                 const SectionInfo& info = *current->info;
                 if (std::find_if(info.keys.begin(), info.keys.end(), [&](const char* k) { return key == k; }) ==
@@ -222,7 +213,7 @@ private:
                         if (e.key == key)
                             fail(lineNo, "\"" + name + "\" ist in diesem Abschnitt schon in Zeile " +
                                              std::to_string(e.line) + " angegeben.");
-                current->entries.push_back({lineNo, key, name, std::string(trim(line.substr(eq + 1)))});
+                current->entries.push_back({lineNo, key, name, std::string(definitionTrim(line.substr(eq + 1)))});
                 last = &current->entries.back();
             }
             if (end == text_.size())
@@ -241,7 +232,7 @@ private:
     const Entry& require(const SectionBlock& block, const char* key, const char* name) const
     {
         if (const Entry* e = find(block, key)) {
-            if (trim(e->value).empty())
+            if (definitionTrim(e->value).empty())
                 fail(e->line, "\"" + e->name + "\" braucht einen Wert.");
             return *e;
         }
@@ -260,7 +251,7 @@ private:
 
     std::optional<double> number(std::string_view text) const
     {
-        std::string s(trim(text));
+        std::string s(definitionTrim(text));
         std::replace(s.begin(), s.end(), ',', '.');
         double v = 0;
         const auto [p, ec] = std::from_chars(s.data(), s.data() + s.size(), v);
@@ -271,7 +262,7 @@ private:
 
     void addLine(std::vector<TextTemplate>& lines, const Entry& e) const
     {
-        if (!trim(e.value).empty())
+        if (!definitionTrim(e.value).empty())
             lines.push_back(tmpl(e.value, e.line));
     }
 
@@ -300,7 +291,7 @@ private:
             if (def.source.empty())
                 fail(source->line, "\"Quelle\" braucht einen Wert.");
         } else {
-            def.sql = std::string(trim(sql->value));
+            def.sql = std::string(definitionTrim(sql->value));
             def.sourceLine = sql->line;
             const std::string start = normalised(def.sql.substr(0, std::min<std::size_t>(def.sql.size(), 6)));
             if (start.rfind("select", 0) != 0 && start.rfind("with", 0) != 0)
@@ -331,7 +322,7 @@ private:
         std::string_view rest = e.value;
         while (true) {
             const auto comma = rest.find(',');
-            std::string_view item = trim(rest.substr(0, comma));
+            std::string_view item = definitionTrim(rest.substr(0, comma));
             SortKey key;
             key.line = e.line;
             const auto blank = item.find_last_of(" \t");
@@ -339,7 +330,7 @@ private:
                 const std::string dir = normalised(item.substr(blank + 1));
                 if (dir == "absteigend" || dir == "aufsteigend") {
                     key.descending = dir == "absteigend";
-                    item = trim(item.substr(0, blank));
+                    item = definitionTrim(item.substr(0, blank));
                 }
             }
             key.field = fieldName(item);
@@ -391,7 +382,7 @@ private:
                 const auto bar = e.value.find('|');
                 GroupFieldDef extra;
                 extra.field = fieldName(e.value.substr(0, bar));
-                extra.heading = bar == std::string::npos ? extra.field : std::string(trim(e.value.substr(bar + 1)));
+                extra.heading = bar == std::string::npos ? extra.field : std::string(definitionTrim(e.value.substr(bar + 1)));
                 extra.line = e.line;
                 if (extra.field.empty())
                     fail(e.line, "\"Zusatzfeld\" braucht einen Feldnamen (\"Feld | Überschrift\").");
@@ -413,11 +404,11 @@ private:
             if (e.key == "ueberschrift") {
                 c.heading = e.value;
             } else if (e.key == "breite") {
-                if (trim(e.value) == "*")
+                if (definitionTrim(e.value) == "*")
                     continue;
-                std::string v(trim(e.value));
+                std::string v(definitionTrim(e.value));
                 if (v.size() > 2 && normalised(v.substr(v.size() - 2)) == "mm")
-                    v = std::string(trim(v.substr(0, v.size() - 2)));
+                    v = std::string(definitionTrim(v.substr(0, v.size() - 2)));
                 const auto w = number(v);
                 if (!w || *w < 3 || *w > 1000)
                     fail(e.line, "Die Breite muss eine Zahl von 3 bis 1000 (Millimeter) oder \"*\" sein.");
@@ -450,10 +441,10 @@ private:
 
     ValueFormat valueFormat(const Entry& e) const
     {
-        std::string_view v = trim(e.value);
+        std::string_view v = definitionTrim(e.value);
         const auto blank = v.find_first_of(" \t:");
         const std::string kind = normalised(v.substr(0, blank));
-        const std::string_view arg = blank == std::string_view::npos ? std::string_view() : trim(v.substr(blank + 1));
+        const std::string_view arg = blank == std::string_view::npos ? std::string_view() : definitionTrim(v.substr(blank + 1));
         ValueFormat f;
         if (kind == "text" && arg.empty())
             return f;
@@ -497,7 +488,7 @@ private:
             if (e.key == "ueberschrift") {
                 b.heading = e.value;
             } else if (e.key == "wert") {
-                const std::string v(trim(e.value));
+                const std::string v(definitionTrim(e.value));
                 const std::string n = normalised(v);
                 if (n == "anzahl")
                     continue;
@@ -532,6 +523,15 @@ ReportError definitionError(const std::string& file, int line, const std::string
 ReportError cannotWrite(const std::string& path, const std::string& reason)
 {
     return ReportError(cannotWriteMessage(path, reason));
+}
+
+std::string_view definitionTrim(std::string_view s)
+{
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
+        s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
+        s.remove_suffix(1);
+    return s;
 }
 
 std::string definitionKey(std::string_view name) { return normalised(name); }
@@ -581,7 +581,7 @@ TextTemplate parseTextTemplate(std::string_view text, const std::string& file, i
         const auto close = text.find('}', i + 1);
         if (close == std::string_view::npos)
             throw definitionError(file, line, "Die Klammer '{' wird nicht geschlossen.");
-        const std::string_view inner = trim(text.substr(i + 1, close - i - 1));
+        const std::string_view inner = definitionTrim(text.substr(i + 1, close - i - 1));
         i = close;
         if (inner.empty())
             throw definitionError(file, line, "Leerer Platzhalter \"{}\".");
@@ -594,15 +594,15 @@ TextTemplate parseTextTemplate(std::string_view text, const std::string& file, i
             if (second == std::string_view::npos)
                 throw definitionError(file, line, "\"{" + std::string(inner) +
                                                       "}\": erwartet wird {Anzahl|Einzahl|Mehrzahl}.");
-            t.parts.push_back({Kind::Count, std::string(trim(words.substr(0, second))),
-                               std::string(trim(words.substr(second + 1)))});
+            t.parts.push_back({Kind::Count, std::string(definitionTrim(words.substr(0, second))),
+                               std::string(definitionTrim(words.substr(second + 1)))});
             continue;
         }
         if (bar != std::string_view::npos) {
             const std::string field = fieldName(inner.substr(0, bar));
             if (field.empty())
                 throw definitionError(file, line, "\"{" + std::string(inner) + "}\" nennt kein Feld.");
-            t.parts.push_back({Kind::Field, field, std::string(trim(inner.substr(bar + 1)))});
+            t.parts.push_back({Kind::Field, field, std::string(definitionTrim(inner.substr(bar + 1)))});
             continue;
         }
         if (inner.front() == '[') {

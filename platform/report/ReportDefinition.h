@@ -110,6 +110,10 @@ ReportDefinition parseReportDefinition(std::string_view text, const std::string&
 /// out, no blanks or hyphens ("Überschrift" and "ueber-schrift" are the same key).
 std::string definitionKey(std::string_view name);
 
+/// A value or line of our definition files without the blanks and tabs around it (and a line's
+/// carriage return).
+std::string_view definitionTrim(std::string_view s);
+
 /// Parses one placeholder text; ReportError naming `file` and `line` on an error.
 TextTemplate parseTextTemplate(std::string_view text, const std::string& file, int line);
 

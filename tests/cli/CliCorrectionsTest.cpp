@@ -4,6 +4,7 @@
 // decided), the refusal while another program holds the project, the exports read back
 // against the list, and the Inventurprotokoll's text.
 
+#include "TestSupport.h"
 #include "CliFixture.h"
 
 #include "CliSession.h"
@@ -257,14 +258,7 @@ TEST_F(CliCorrectionsTest, ExportsHoldTheAcceptedRowsOfTheList)
 /// The text of a PDF file (pdftotext, in reading order).
 std::string pdfText(const std::string& pdf)
 {
-    std::string out;
-    if (FILE* p = ::popen(("pdftotext -layout '" + pdf + "' - 2>/dev/null").c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, p)) > 0;)
-            out.append(buffer, n);
-        ::pclose(p);
-    }
-    return out;
+    return commandOutput("pdftotext -layout '" + pdf + "' - 2>/dev/null");
 }
 
 TEST_F(CliCorrectionsTest, TheProtocolHasTheCountsTheAcceptedRowsAndTheSignatureLines)

@@ -3,6 +3,7 @@
 // from the PDF with zbar on every shipped layout, the object labels of a range and of the
 // numbers Quarn doesn't know, and the refusals with their German messages.
 
+#include "TestSupport.h"
 #include "CliFixture.h"
 
 #include "FileSystem.h"
@@ -19,19 +20,6 @@
 
 namespace qi::test {
 namespace {
-
-/// What a shell command prints on its standard output.
-std::string commandOutput(const std::string& command)
-{
-    std::string out;
-    if (FILE* pipe = ::popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            out.append(buffer, n);
-        ::pclose(pipe);
-    }
-    return out;
-}
 
 std::string quoted(const std::string& s) { return "'" + s + "'"; }
 

@@ -18,18 +18,6 @@ namespace {
 
 std::string templateDir() { return std::string(QI_PROGRAM_DIR) + "/Leeres Projekt"; }
 
-std::string commandOutput(const std::string& command)
-{
-    std::string out;
-    if (FILE* pipe = ::popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            out.append(buffer, n);
-        ::pclose(pipe);
-    }
-    return out;
-}
-
 std::string quoted(const std::string& s) { return "'" + s + "'"; }
 
 /// What zbar decodes in each of the images: per file, the values of its symbols.

@@ -30,18 +30,6 @@ std::vector<Label> numbered(int count, Symbology symbology = Symbology::Code128)
     return labels;
 }
 
-std::string commandOutput(const std::string& command)
-{
-    std::string out;
-    if (FILE* pipe = ::popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            out.append(buffer, n);
-        ::pclose(pipe);
-    }
-    return out;
-}
-
 std::string messageOf(const std::function<void()>& f)
 {
     try {

@@ -4,6 +4,7 @@
 // with the report engine's pages, progress and a failure of their own, the walk list opened in
 // the report preview, and the room selection's context menu of the building tree.
 
+#include "TestSupport.h"
 #include "ProgramFixture.h"
 
 #include "FileSystem.h"
@@ -31,18 +32,6 @@
 
 namespace qi::test {
 namespace {
-
-std::string commandOutput(const std::string& command)
-{
-    std::string out;
-    if (FILE* pipe = ::popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            out.append(buffer, n);
-        ::pclose(pipe);
-    }
-    return out;
-}
 
 std::vector<std::string> splitLines(const std::string& text)
 {

@@ -26,7 +26,7 @@ namespace qi {
 namespace {
 
 namespace fs = std::filesystem;
-using test::commandOutput;
+using test::successfulCommandOutput;
 using test::shellWord;
 
 constexpr const char* kDateFormat = "%Y-%m-%d %H:%M:%S";
@@ -79,7 +79,7 @@ std::vector<std::vector<Field>> parseCsv(const std::string& csv)
 std::map<std::string, std::vector<std::string>> schemaTypes(const std::string& file)
 {
     std::map<std::string, std::vector<std::string>> types;
-    std::istringstream in(commandOutput("mdb-schema " + shellWord(file)));
+    std::istringstream in(successfulCommandOutput("mdb-schema " + shellWord(file)));
     std::string line, table;
     while (std::getline(in, line)) {
         if (line.rfind("CREATE TABLE [", 0) == 0) {
@@ -147,7 +147,7 @@ protected:
         auto db = Database::open(path, true);
 
         std::vector<std::string> tables;
-        std::istringstream list(commandOutput("mdb-tables -1 " + shellWord(file)));
+        std::istringstream list(successfulCommandOutput("mdb-tables -1 " + shellWord(file)));
         for (std::string t; std::getline(list, t);)
             if (!t.empty())
                 tables.push_back(t);
@@ -162,7 +162,7 @@ protected:
         const auto types = schemaTypes(file);
         for (const std::string& table : tables) {
             SCOPED_TRACE(table);
-            const auto rows = parseCsv(commandOutput("mdb-export -b hex -D '" + std::string(kDateFormat) + "' -T '" +
+            const auto rows = parseCsv(successfulCommandOutput("mdb-export -b hex -D '" + std::string(kDateFormat) + "' -T '" +
                                                      kDateFormat + "' " + shellWord(file) + " " + shellWord(table)));
             ASSERT_FALSE(rows.empty());
             const Recordset rs = db->query("SELECT * FROM \"" + table + "\" ORDER BY rowid");

@@ -23,7 +23,7 @@ std::string shellWord(const std::string& text)
     return r + "'";
 }
 
-std::string commandOutput(const std::string& command)
+std::string successfulCommandOutput(const std::string& command)
 {
     std::string out;
     FILE* pipe = ::popen(command.c_str(), "r");

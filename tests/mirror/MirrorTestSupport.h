@@ -9,7 +9,7 @@ namespace qi::test {
 /// The folder of the real Jet test files (shared/testdata/jet beside the repository).
 std::string jetTestDataFolder();
 /// Runs a shell command and answers what it printed on standard output; fails the test when it fails.
-std::string commandOutput(const std::string& command);
+std::string successfulCommandOutput(const std::string& command);
 /// A shell word for a text.
 std::string shellWord(const std::string& text);
 

@@ -2,6 +2,7 @@
 
 #include "FileSystem.h"
 #include "LinkedDatabase.h"
+#include "TestSupport.h"
 #include "ReportError.h"
 
 #include <QApplication>
@@ -25,20 +26,6 @@ std::string quotedArg(const std::string& s)
             out += c;
     }
     return out + "'";
-}
-
-std::string runCommand(const std::string& command)
-{
-    std::string out;
-    FILE* p = popen(command.c_str(), "r");
-    if (!p)
-        return out;
-    std::array<char, 4096> buf{};
-    std::size_t n = 0;
-    while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0)
-        out.append(buf.data(), n);
-    pclose(p);
-    return out;
 }
 
 QString unescapeXml(QString s)
@@ -101,11 +88,11 @@ std::string ReportFixture::openError(const std::string& file)
     return {};
 }
 
-std::string pdfText(const std::string& pdf) { return runCommand("pdftotext -layout " + quotedArg(pdf) + " - 2>/dev/null"); }
+std::string pdfText(const std::string& pdf) { return commandOutput("pdftotext -layout " + quotedArg(pdf) + " - 2>/dev/null"); }
 
 std::string zipEntry(const std::string& zip, const std::string& entry)
 {
-    return runCommand("unzip -p " + quotedArg(zip) + " " + quotedArg(entry) + " 2>/dev/null");
+    return commandOutput("unzip -p " + quotedArg(zip) + " " + quotedArg(entry) + " 2>/dev/null");
 }
 
 std::vector<std::string> xlsxRow(const std::string& xlsx, int row)

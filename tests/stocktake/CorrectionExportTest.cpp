@@ -23,15 +23,7 @@ namespace {
 /// The bytes of a part of a zip file (unzip -p); empty when it is not there.
 std::string zipPart(const std::string& zip, const std::string& part)
 {
-    const std::string command = "unzip -p '" + zip + "' '" + part + "' 2>/dev/null";
-    std::string out;
-    if (FILE* p = ::popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, p)) > 0;)
-            out.append(buffer, n);
-        ::pclose(p);
-    }
-    return out;
+    return commandOutput("unzip -p '" + zip + "' '" + part + "' 2>/dev/null");
 }
 
 /// Column index of a cell reference ("C7" → 2).

@@ -42,6 +42,8 @@ void makeRegisterDatabase(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);
 /// Reads a whole file as bytes.
 std::string readFile(const std::string& path);
+/// What a shell command prints on its standard output (empty when it cannot be run).
+std::string commandOutput(const std::string& command);
 
 /// The names of the entries of `folder`, sorted; none when it is missing.
 std::vector<std::string> sortedNames(const std::string& folder);
