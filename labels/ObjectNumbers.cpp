@@ -62,8 +62,10 @@ std::vector<std::string> unknownNumbersOfOrder(CAuftragDb& order)
     Database* db = order.database();
     if (!db)
         throw LabelSourceError(order.LastError());
-    const Recordset rows = db->query("SELECT stIstInvNR FROM t_Differenzliste WHERE stTyp = ?1 AND stIstInvNR <> ''",
-                                     {std::string(category::k2c)});
+    // An object scanned without a number gets its number from the team, not from this list.
+    const Recordset rows =
+        db->query("SELECT stIstInvNR FROM t_Differenzliste WHERE stTyp = ?1 AND stIstInvNR <> '' AND stIstInvNR <> ?2",
+                  {std::string(category::k2c), std::string(kObjectWithoutNumber)});
     std::vector<std::string> numbers;
     std::set<std::string> seen;
     for (const auto& row : rows.rows()) {

@@ -13,3 +13,11 @@ inline constexpr const char* k3b =
     "3b Fehlt im Auftrag (bisher). Könnte noch in diesem oder in anderem Auftrag auftauchen.";
 
 } // namespace qi::category
+
+namespace qi {
+
+/// The inventory number the import gives a scanned object that has none: found, but no number
+/// to print on a label or to look up in Quarn.
+inline constexpr const char* kObjectWithoutNumber = "Obj. ohne Nr.";
+
+} // namespace qi

@@ -2,6 +2,7 @@
 
 #include "frmWorkSupport.h"
 
+#include "Categories.h"
 #include "DbError.h"
 #include "FileSystem.h"
 #include "ProjectAccess.h"
@@ -21,7 +22,6 @@ namespace {
 constexpr const char* kTitle = "Quarn-Inventur";
 constexpr const char* kProgressTitle = "Scannerdaten werden eingelesen";
 
-constexpr const char* kOhneNr = "Obj. ohne Nr.";
 constexpr const char* kKeinRaum = "Zuerst müssen Räume ausgewählt werden!";
 constexpr const char* kRaeumeNichtInAuftrag =
     "In der Datei sind Räume enthalten, die nicht zum Auftrag gehören. Bearbeiten Sie bitte die Textdatei.";
@@ -207,7 +207,7 @@ bool frmWork::GetDataFromDat()
             if (rec.stInvNr.empty()) {
                 ui_.messageBox("In der Datei '" + f_stfilename + "' steht ein Datensatz ohne Objektnummer.",
                                MsgButtons::Ok, MsgIcon::None, kTitle);
-                rec.stInvNr = kOhneNr;
+                rec.stInvNr = kObjectWithoutNumber;
             }
             rec.stArtNr = trimBlanks(r.stArtNr);
             rec.stTaet = r.stTaet;
