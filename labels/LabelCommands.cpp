@@ -97,17 +97,15 @@ bool LabelCommands::run(std::vector<Label> labels, const std::string& title, con
     return false;
 }
 
-std::optional<std::vector<LabelRoom>> LabelCommands::orderRooms(CAuftragDb& order)
+std::optional<std::vector<LabelRoom>>
+LabelCommands::chosenRooms(const std::function<std::vector<LabelRoom>(const LabelRoomDirectory&)>& choose)
 {
     if (!geb_) {
         refuse(labeltext::NoBuilding, labeltext::RoomLabels);
         return std::nullopt;
     }
     try {
-        CRaumRecColl rooms;
-        if (!order.ReadAllRaumRec2Coll(rooms))
-            throw std::runtime_error(order.LastError());
-        std::vector<LabelRoom> found = LabelRoomDirectory(*geb_).ofOrder(rooms);
+        std::vector<LabelRoom> found = choose(LabelRoomDirectory(*geb_));
         if (found.empty()) {
             refuse(labeltext::NoRooms, labeltext::RoomLabels);
             return std::nullopt;
@@ -119,23 +117,19 @@ std::optional<std::vector<LabelRoom>> LabelCommands::orderRooms(CAuftragDb& orde
     }
 }
 
+std::optional<std::vector<LabelRoom>> LabelCommands::orderRooms(CAuftragDb& order)
+{
+    return chosenRooms([&order](const LabelRoomDirectory& directory) {
+        CRaumRecColl rooms;
+        if (!order.ReadAllRaumRec2Coll(rooms))
+            throw std::runtime_error(order.LastError());
+        return directory.ofOrder(rooms);
+    });
+}
+
 std::optional<std::vector<LabelRoom>> LabelCommands::nodeRooms(std::int32_t nodeId)
 {
-    if (!geb_) {
-        refuse(labeltext::NoBuilding, labeltext::RoomLabels);
-        return std::nullopt;
-    }
-    try {
-        std::vector<LabelRoom> found = LabelRoomDirectory(*geb_).underNode(nodeId);
-        if (found.empty()) {
-            refuse(labeltext::NoRooms, labeltext::RoomLabels);
-            return std::nullopt;
-        }
-        return found;
-    } catch (const std::exception& e) {
-        ui_.showError("Etiketten", e.what());
-        return std::nullopt;
-    }
+    return chosenRooms([nodeId](const LabelRoomDirectory& directory) { return directory.underNode(nodeId); });
 }
 
 bool LabelCommands::roomLabelsOfOrder(CAuftragDb& order, const std::string& orderName)

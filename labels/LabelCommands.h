@@ -88,6 +88,10 @@ public:
 private:
     /// Asks, makes the sheets and puts them out; false when cancelled or refused (said so).
     bool run(std::vector<Label> labels, const std::string& title, const std::string& what, bool symbology);
+    /// The rooms `choose` picks from Quarn's building structure; none after the message when
+    /// the structure isn't open, the choice holds no room or fails.
+    std::optional<std::vector<LabelRoom>>
+    chosenRooms(const std::function<std::vector<LabelRoom>(const LabelRoomDirectory&)>& choose);
     std::optional<std::vector<LabelRoom>> orderRooms(CAuftragDb& order);
     std::optional<std::vector<LabelRoom>> nodeRooms(std::int32_t nodeId);
     bool walkList(const std::vector<LabelRoom>& rooms, const std::string& scope);
