@@ -27,13 +27,6 @@ struct RunError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-std::string describe(const std::exception& e)
-{
-    if (const auto* db = dynamic_cast<const DbError*>(&e))
-        return db->description();
-    return e.what();
-}
-
 /// Removes a database file with the journal that may lie beside it; errors are ignored.
 void removeDatabaseFile(const std::string& path)
 {
@@ -208,7 +201,7 @@ OrderResult installOrder(CInventurDb& reg, const Settings& settings, UserInterac
         tx.reset();
         removeDatabaseFile(staged);
         rec.lID = 0;
-        ui.showError(mainlabel::MakeDatabase, describe(e));
+        ui.showError(mainlabel::MakeDatabase, e.what());
         return OrderResult::Failed;
     }
 }
@@ -276,7 +269,7 @@ OrderResult newOrderFrom(CInventurDb& reg, const Settings& settings, UserInterac
     try {
         staged = makeStagedDatabase(settings, ui, name, source, restore);
     } catch (const std::exception& e) {
-        ui.showError(mainlabel::MakeDatabase, describe(e));
+        ui.showError(mainlabel::MakeDatabase, e.what());
         return OrderResult::Failed;
     }
     return installOrder(reg, settings, ui, rec, staged, kept);
@@ -373,7 +366,7 @@ OrderResult OpenOrderDatabase(CInventurDb& reg, const Settings& settings, UserIn
         CheckReportMdbLink(settings, db.DbPath(), ui);
         return OrderResult::Done;
     } catch (const std::exception& e) {
-        ui.showError(mainlabel::DblClick, describe(e));
+        ui.showError(mainlabel::DblClick, e.what());
         return OrderResult::Failed;
     }
 }

@@ -21,13 +21,6 @@ std::string upper(std::string s)
     return s;
 }
 
-std::string describe(const std::exception& e)
-{
-    if (const auto* db = dynamic_cast<const DbError*>(&e))
-        return db->description();
-    return e.what();
-}
-
 /// Runs the start-up statements with the error handling that start-up switches during its run:
 /// at first an unexpected error ends start-up with the common message; once the project folder
 /// has been checked, an error only skips the statement that raised it.
@@ -48,7 +41,7 @@ public:
         } catch (const std::exception& e) {
             if (ignore_)
                 return true;
-            ui_.showError(startupmsg::ErrorLabel, describe(e));
+            ui_.showError(startupmsg::ErrorLabel, e.what());
         } catch (...) {
             if (ignore_)
                 return true;

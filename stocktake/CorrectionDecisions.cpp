@@ -47,13 +47,6 @@ constexpr const char* kDelete = "DELETE FROM K_Entscheidung WHERE stArt = ?1 AND
 /// The key of a proposal or decision: its kind and its number as the comparison sees it.
 std::string keyOf(const std::string& art, const std::string& invNr) { return art + '\x1f' + jetFoldKey(invNr); }
 
-std::string reasonOf(const std::exception& e)
-{
-    if (const auto* db = dynamic_cast<const DbError*>(&e))
-        return db->description();
-    return e.what();
-}
-
 /// Makes the file whole or not at all: the schema goes into a file of another name that takes
 /// the file's name only when complete. A file of that other name left by a killed creation
 /// is thrown away first.
@@ -133,7 +126,7 @@ CorrectionDecisions::CorrectionDecisions(const Settings& settings, bool readOnly
             const std::string text = e.what();
             if (text.rfind("Die Korrekturliste", 0) == 0)
                 throw;
-            throw std::runtime_error(cannotCreateCorrectionsMessage(path, reasonOf(e)));
+            throw std::runtime_error(cannotCreateCorrectionsMessage(path, e.what()));
         }
     }
     try {
@@ -142,7 +135,7 @@ CorrectionDecisions::CorrectionDecisions(const Settings& settings, bool readOnly
             throw std::runtime_error("Die Tabelle 'K_Entscheidung' fehlt.");
     } catch (const std::exception& e) {
         db_.reset();
-        throw std::runtime_error(cannotOpenCorrectionsMessage(path, reasonOf(e)));
+        throw std::runtime_error(cannotOpenCorrectionsMessage(path, e.what()));
     }
 }
 

@@ -5,10 +5,10 @@
 #include "CrossOrderLists.h"
 #include "DifferenceListState.h"
 #include "FileSystem.h"
-#include "FreshEvaluation.h"
 #include "JetCollation.h"
 #include "KeptOrders.h"
 #include "OrderFigures.h"
+#include "OrderSource.h"
 #include "Orders.h"
 #include "ProjectHints.h"
 #include "ProjectResultSchema.h"
@@ -41,13 +41,6 @@ void hint(Database& result, const std::string& order, const char* kind, const st
     result.execute(kInsertHint, {order, std::string(kind), text, file.empty() ? file : displayPath(file)});
 }
 
-std::string describe(const std::exception& e)
-{
-    if (const auto* db = dynamic_cast<const DbError*>(&e))
-        return db->description();
-    return e.what();
-}
-
 /// The register's orders, only read (a register whose last change was cut off from a put-back copy).
 void readRegister(const Settings& settings, CAuftragRecColl& orders)
 {
@@ -63,50 +56,6 @@ void readRegister(const Settings& settings, CAuftragRecColl& orders)
     reg.setOpenReadOnly(Value(std::int64_t{-1}));
     if (!reg.OpenCheckedDb() || !reg.ReadAllAuftragRec2Coll(orders))
         throw std::runtime_error(reg.LastError());
-}
-
-/// An order database as the overview reads it: opened only for reading, as the file stands (a
-/// change that was cut off is read as it was before it), whether its difference list fits its
-/// data, and where it does not (when asked for) the fresh evaluation of a private copy.
-struct OrderSource {
-    std::unique_ptr<RolledBackCopy> putBack;
-    ScriptedUserInteraction quiet;
-    std::unique_ptr<CAuftragDb> order;
-    ListState state = ListState::Fits;
-    std::unique_ptr<FreshEvaluation> evaluation;
-    std::string failure; ///< why the fresh evaluation failed ('' when it did not)
-    std::string error;   ///< why the order could not be read ('' when it could)
-
-    Database& data() { return *order->database(); }
-};
-
-/// Opens the order database `file` and evaluates it afresh when `fresh` and its list does not
-/// fit, with Quarn's building component `geb`. Never throws: a failure is told in the source.
-std::unique_ptr<OrderSource> openOrder(const std::string& file, const Settings& settings, QGebDb& geb,
-                                       const QuarnRooms& quarn, bool fresh)
-{
-    auto source = std::make_unique<OrderSource>();
-    try {
-        if (hasJournal(file))
-            source->putBack = std::make_unique<RolledBackCopy>(file);
-        source->order = std::make_unique<CAuftragDb>(source->quiet);
-        CAuftragDb& order = *source->order;
-        order.setDbPath(source->putBack ? source->putBack->path() : file);
-        order.setOpenReadOnly(Value(std::int64_t{-1}));
-        if (!order.OpenCheckedDb())
-            throw std::runtime_error(order.LastError());
-        source->state = differenceListState(source->data(), quarn);
-        if (source->state != ListState::Fits && fresh) {
-            source->evaluation = std::make_unique<FreshEvaluation>(source->data(), fileNamePart(file), settings, geb);
-            if (source->evaluation->failed()) {
-                source->failure = source->evaluation->error();
-                source->evaluation.reset();
-            }
-        }
-    } catch (const std::exception& e) {
-        source->error = describe(e);
-    }
-    return source;
 }
 
 /// The order databases of the register opened, checked and evaluated afresh ahead of writing
@@ -192,7 +141,7 @@ private:
 
     void make(std::size_t job, QGebDb& geb)
     {
-        std::unique_ptr<OrderSource> source = openOrder(files_[job], settings_, geb, quarn_, fresh_);
+        std::unique_ptr<OrderSource> source = openOrderSource(files_[job], settings_, geb, quarn_, fresh_);
         {
             std::lock_guard<std::mutex> lock(mutex_);
             slots_[job].source = std::move(source);
@@ -262,7 +211,7 @@ public:
                 attached = std::make_unique<AttachedOrder>(
                     result_, source->evaluation ? source->evaluation->database() : source->data());
             } catch (const std::exception& e) {
-                source->error = describe(e);
+                source->error = e.what();
             }
         }
         Database::Transaction tx(result_);
@@ -281,7 +230,7 @@ public:
                 readDatabase(h, *source, *attached);
                 rows.commit();
             } catch (const std::exception& e) {
-                unreadable(h, describe(e));
+                unreadable(h, e.what());
             }
         }
         tx.commit();

@@ -11,10 +11,12 @@
 #include "FileDigests.h"
 #include "FileSystem.h"
 #include "KeptOrders.h"
+#include "OrderSource.h"
 #include "Orders.h"
 #include "ProjectHints.h"
 #include "ProjectResultSchema.h"
 #include "QuarnHost.h"
+#include "QuarnRooms.h"
 #include "ReportDatabase.h"
 #include "ReportLinks.h"
 #include "ScanTime.h"
@@ -551,6 +553,28 @@ TEST_F(ProjectOverviewTest, AnOrderWhoseLastChangeWasCutOffIsReadAsItWasBefore)
     EXPECT_TRUE(hasJournal(orderFile("EG")));
     EXPECT_EQ(stand(*result, "EG"), kStandAktuell);
     EXPECT_EQ(countsOfResult(*result, "EG"), counts);
+}
+
+TEST_F(ProjectOverviewTest, AnOrderIsSavedWhileTheOverviewReadsIt)
+{
+    // The main window computes its figures while the order windows go on working: reading an
+    // order, however long it takes, never keeps a window from saving its scans.
+    createOrder("EG");
+    addRooms("EG", rooms);
+    addFile("EG", scanPath(0));
+    const Counts before = countsOfFile(orderFile("EG"));
+    QuarnRooms quarn(*geb);
+    const auto source = openOrderSource(orderFile("EG"), settings, *geb, quarn, true);
+    ASSERT_EQ(source->error, "");
+    Database& read = source->data();
+    Database::Transaction reading(read);
+    EXPECT_EQ(number(read, "SELECT COUNT(*) FROM T_DatInventur"), before.scans);
+
+    addFile("EG", scanPath(1));
+    EXPECT_GT(countsOfFile(orderFile("EG")).scans, before.scans);
+    EXPECT_EQ(number(read, "SELECT COUNT(*) FROM T_DatInventur"), before.scans);
+    for (const RecordedMessage& m : ui.messages)
+        EXPECT_NE(m.icon, MsgIcon::Critical) << m.text;
 }
 
 TEST_F(ProjectOverviewTest, KeptCopiesAndOrderFilesWithoutRegisterRowAreTold)

@@ -56,6 +56,8 @@ TEST_F(ScreenshotTest, WorkWindowWithData)
     ASSERT_NE(work(), nullptr);
     chooseFirstFloor();
     addDemoScanFiles();
+    for (const RecordedMessage& m : ui.messages)
+        EXPECT_NE(m.icon, MsgIcon::Critical) << m.text;
     const auto rooms = inst.roomsOfFloor(firstFloor());
     expectOnScreen(*work(), QStringLiteral("work"),
                    {"&Datei", "&Berichte", "&Fehlerlisten (Auftragsbereich)", "Auftragsräume",

@@ -1,0 +1,32 @@
+#pragma once
+// A private copy of an open order database as it stood at one moment, for work that only
+// reads the order and may take its time (the project overview reads every order while their
+// windows go on working in them). The order's file is read under one lock only while it is
+// copied, so a window that saves meanwhile waits a moment at most. The order's own file is
+// not written.
+
+#include <string>
+
+namespace qi {
+
+class Database;
+
+class OrderSnapshot {
+public:
+    /// Copies `order` into a new private folder as `fileName`. DbError or std::exception with
+    /// a German text when that fails (nothing is left then).
+    OrderSnapshot(Database& order, const std::string& fileName);
+    /// Removes the private folder with the copy.
+    ~OrderSnapshot();
+    OrderSnapshot(const OrderSnapshot&) = delete;
+    OrderSnapshot& operator=(const OrderSnapshot&) = delete;
+
+    const std::string& path() const { return path_; }
+
+private:
+    void removeFolder();
+    std::string folder_;
+    std::string path_;
+};
+
+} // namespace qi
