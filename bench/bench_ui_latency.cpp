@@ -39,12 +39,43 @@ using qi::bench::seconds;
 
 namespace {
 
+/// What the program last reported doing (a progress step, a file read, a message), for
+/// telling where the longest gap of a step lay.
+std::string phase = "-";
+
 /// The program's own user interaction; only what waits for a person is answered here.
 class ScriptedQtUser : public qi::QtUserInteraction {
 public:
+    void reportStep(const std::string& step, std::int64_t done, std::int64_t total) override
+    {
+        phase = step;
+        qi::QtUserInteraction::reportStep(step, done, total);
+    }
+    void reportProgress(const std::string& fileName, std::int64_t linesRead) override
+    {
+        phase = fileName + " (" + std::to_string(linesRead) + " Zeilen)";
+        qi::QtUserInteraction::reportProgress(fileName, linesRead);
+    }
+    void keepPainting() override
+    {
+        ++kept;
+        qi::QtUserInteraction::keepPainting();
+    }
+    int kept = 0;
+    void endProgress() override
+    {
+        phase = "Fortschritt beendet";
+        qi::QtUserInteraction::endProgress();
+    }
+    void showReport(const std::string& reportFile, const std::string& dataFile, const std::string& title) override
+    {
+        phase = "Vorschau";
+        qi::QtUserInteraction::showReport(reportFile, dataFile, title);
+    }
     qi::MsgResult messageBox(const std::string&, qi::MsgButtons buttons, qi::MsgIcon, const std::string&) override
     {
         ++messages;
+        phase = "Meldung";
         return buttons == qi::MsgButtons::YesNo ? qi::MsgResult::Yes : qi::MsgResult::Ok;
     }
     std::optional<std::string> openFile(const qi::FileDialogRequest&) override { return next(fileChoices); }
@@ -57,6 +88,7 @@ public:
     bool resolveConflict(const qi::ConflictInfo&) override
     {
         ++conflicts;
+        phase = "Konflikt";
         return false;
     }
     std::deque<std::string> fileChoices, saveChoices;
@@ -93,22 +125,32 @@ public:
         timer_.stop();
         return longest_;
     }
+    /// What the program reported last before the longest gap, and at its end.
+    const std::string& gapFrom() const { return gapFrom_; }
+    const std::string& gapTo() const { return gapTo_; }
 
 private:
     void turn()
     {
         const auto now = Clock::now();
-        longest_ = std::max(longest_, seconds(last_, now));
+        if (seconds(last_, now) > longest_) {
+            longest_ = seconds(last_, now);
+            gapFrom_ = phaseAtLast_;
+            gapTo_ = phase;
+        }
         last_ = now;
+        phaseAtLast_ = phase;
     }
     QTimer timer_;
     Clock::time_point last_;
     double longest_ = 0;
+    std::string phaseAtLast_, gapFrom_, gapTo_;
 };
 
 struct StepResult {
     std::string name;
     double time = 0, longestGap = 0;
+    std::string gapFrom, gapTo;
 };
 
 /// Runs `action` from the event loop (as a click would) and turns the loop until it has
@@ -124,7 +166,8 @@ StepResult runStep(const std::string& name, LoopProbe& probe, const std::functio
     });
     loop.exec();
     const auto t1 = Clock::now();
-    return {name, seconds(t0, t1), probe.stop()};
+    const double longest = probe.stop();
+    return {name, seconds(t0, t1), longest, probe.gapFrom(), probe.gapTo()};
 }
 
 /// The shown preview window of the given title, if any.
@@ -211,9 +254,10 @@ int main(int argc, char** argv)
     for (const StepResult& r : results) {
         std::printf("%-42s %7.3f s %11.0f ms%s\n", r.name.c_str(), r.time, r.longestGap * 1000,
                     r.longestGap > 0.2 ? "  over 200 ms" : "");
+        std::printf("    longest gap from \"%s\" to \"%s\"\n", r.gapFrom.c_str(), r.gapTo.c_str());
         within = within && r.longestGap <= 0.2;
     }
-    std::printf("messages answered: %d, conflicts answered: %d\n", ui.messages, ui.conflicts);
+    std::printf("messages answered: %d, conflicts answered: %d; painted from inside long statements: %d times\n", ui.messages, ui.conflicts, ui.kept);
     std::printf("%s\n", within ? "no gap over 200 ms" : "gaps over 200 ms");
     window.close();
     large.order->CloseDb();

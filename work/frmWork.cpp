@@ -7,6 +7,7 @@
 #include "FileSystem.h"
 #include "ProjectAccess.h"
 #include "QuarnHost.h"
+#include "RunCache.h"
 #include "ScannerFile.h"
 #include "TextFile.h"
 #include "bGeneral.h"
@@ -184,6 +185,8 @@ bool frmWork::GetDataFromDat()
     importError_ = 0;
     try {
         ensureHost();
+        // The first lookups of a file may read all of Quarn's objects into memory.
+        const Database::Turning quarnPainting(f_GebDb->database(), [this] { ui_.keepPainting(); });
         const QObjektDb::LookupBatch lookups(*f_GebDb);
         ScannerFile file(f_stfilename);
         ProgressScope progress(*this, kProgressTitle);
@@ -317,8 +320,14 @@ FileListResult frmWork::pbAdd_Click()
     return AddDataFile(*chosen);
 }
 
+Database::Turning frmWork::keepPainting()
+{
+    return Database::Turning(f_DBAuftrag.database(), [this] { ui_.keepPainting(); });
+}
+
 FileListResult frmWork::AddDataFile(const std::string& path)
 {
+    const Database::Turning painting = keepPainting();
     try {
         ui_.setBusy(true);
         f_stfilename = path;
@@ -343,6 +352,7 @@ FileListResult frmWork::AddDataFile(const std::string& path)
 
         // The file's row, its scan lines, their numbers and the rooms' status are written as
         // one: a process that dies on the way leaves the order as it was before the file.
+        const RunCache cache(f_DBAuftrag.database(), kImportCacheKiB);
         KeptTransaction tx(f_DBAuftrag);
         if (!f_DBAuftrag.AddNewDateienRec(&datei)) {
             // Only a name the order holds already is refused so; a disk that can't take the row, or
@@ -461,6 +471,8 @@ FileListResult frmWork::pbNeu_Click()
     // All scan data are made anew as one: a process that dies on the way leaves the order as
     // it was; the specified stops (a missing file, rooms read twice) keep what they left. A disk
     // that can't take the changes leaves the order as it was, too.
+    const Database::Turning painting = keepPainting();
+    const RunCache cache(f_DBAuftrag.database(), kImportCacheKiB);
     KeptTransaction tx(f_DBAuftrag);
     try {
         ui_.setBusy(true);

@@ -167,6 +167,8 @@ private:
     QGebDb& ensureGebDb();
     /// The five deletions of the derived data, then Init and InitData.
     void clearScanData();
+    /// While it lives, the windows go on painting during the order database's long statements.
+    Database::Turning keepPainting();
     /// True while a change could not be written to the disk and was undone as a whole (see
     /// Database::storageFailed): the command stops; what it did is gone.
     bool storageFailed() const;

@@ -6,6 +6,7 @@
 #include "QuarnHost.h"
 #include "ReportDatabase.h"
 #include "ReportMenus.h"
+#include "RunCache.h"
 #include "SqlName.h"
 #include "frmWorkSupport.h"
 
@@ -115,13 +116,6 @@ std::string textOf(const Value& v)
 /// Schema name of Quarn's object database on the order's connection during a run.
 constexpr const char* kObjectsSchema = "qi_sollbestand";
 
-/// Page cache (in KiB) of the order and of Quarn's object database during a run. A run is
-/// one transaction that passes over the whole difference list several times and reads
-/// most of Quarn's objects in the order of their rooms: with the connection's everyday
-/// cache, pages changed by the run are written out and read back, and object pages are
-/// read from the file again and again, at a cost that grows faster than the order. The
-/// cache holds only the pages a run reads, up to this limit, and is given back after it.
-constexpr std::int64_t kRunCacheKiB = 256 * 1024;
 
 /// A database file attached to a connection under a name, detached when the object goes.
 class AttachedFile {
@@ -129,6 +123,7 @@ public:
     AttachedFile(Database& db, const std::string& file, const std::string& schema) : db_(db), schema_(schema)
     {
         db_.execute("ATTACH DATABASE ?1 AS " + sqlName(schema_), {file});
+        // Quarn's objects are read in the order of their rooms, most of them once per run.
         db_.executeScript("PRAGMA " + sqlName(schema_) + ".cache_size = " + std::to_string(-kRunCacheKiB));
     }
     ~AttachedFile()
@@ -145,36 +140,6 @@ public:
 private:
     Database& db_;
     std::string schema_;
-};
-
-/// The order's page cache enlarged to kRunCacheKiB while the object lives, then set back.
-class RunCache {
-public:
-    explicit RunCache(Database& db) : db_(db)
-    {
-        try {
-            before_ = toLong(db_.scalar("PRAGMA main.cache_size"));
-            db_.executeScript("PRAGMA main.cache_size = " + std::to_string(-kRunCacheKiB));
-        } catch (const std::exception&) {
-            // The run goes on with the cache it has; only its speed depends on it.
-            before_.reset();
-        }
-    }
-    ~RunCache()
-    {
-        try {
-            if (before_)
-                db_.executeScript("PRAGMA main.cache_size = " + std::to_string(*before_));
-        } catch (...) {
-            // The larger cache stays with the connection; nothing else depends on it.
-        }
-    }
-    RunCache(const RunCache&) = delete;
-    RunCache& operator=(const RunCache&) = delete;
-
-private:
-    Database& db_;
-    std::optional<std::int64_t> before_;
 };
 
 /// The order's connection with the report database's links attached, and the one
@@ -205,8 +170,7 @@ public:
                 objectsError_ = std::current_exception();
             }
         }
-        if (Database* db = order.database())
-            cache_.emplace(*db);
+        cache_.emplace(order.database(), kRunCacheKiB);
         tx_.emplace(order);
     }
     /// The report database's links; raises the error of reading them.
@@ -239,6 +203,7 @@ private:
 
 bool frmWork::ReportDifferenzListe()
 {
+    const Database::Turning painting = keepPainting();
     ui_.setBusy(true);
     ProgressScope progress(*this, kEvaluationTitle);
     try {
@@ -325,6 +290,7 @@ bool frmWork::ReportDifferenzListe()
 
 bool frmWork::MakeArtikelAufstellung()
 {
+    const Database::Turning painting = keepPainting();
     try {
         bool counted = false;
         {
@@ -363,6 +329,7 @@ bool frmWork::MakeArtikelAufstellung()
 
 bool frmWork::MakeInvListe()
 {
+    const Database::Turning painting = keepPainting();
     try {
         KeptTransaction tx(f_DBAuftrag);
         check(f_DBAuftrag.ReadAllRaumRec2Coll(f_collRooms), f_DBAuftrag);

@@ -421,6 +421,11 @@ void frmWorkWindow::Unload() { close(); }
 
 void frmWorkWindow::closeEvent(QCloseEvent* event)
 {
+    // While a command works in the order (the window paints on meanwhile), the window stays.
+    if (running_ > 0) {
+        event->ignore();
+        return;
+    }
     Form_Unload();
     OrderWindow::closeEvent(event);
 }

@@ -722,6 +722,40 @@ void Database::consumeAutoNumber(const TableInfo& table, std::int64_t key)
 
 // ---------------------------------------------------------------- Transaction
 
+Database::Turning::Turning(Database* db, std::function<void()> turn, std::chrono::milliseconds interval)
+    : db_(db), turn_(std::move(turn)), interval_(interval), last_(std::chrono::steady_clock::now())
+{
+    if (!db_ || db_->turning_)
+        return;
+    db_->turning_ = this;
+    installed_ = true;
+    // The engine asks every few thousand steps of a statement; the clock decides whether to turn.
+    sqlite3_progress_handler(db_->db_, 4000, &Turning::onProgress, this);
+}
+
+Database::Turning::~Turning()
+{
+    if (!installed_)
+        return;
+    sqlite3_progress_handler(db_->db_, 0, nullptr, nullptr);
+    db_->turning_ = nullptr;
+}
+
+int Database::Turning::onProgress(void* self)
+{
+    auto& t = *static_cast<Turning*>(self);
+    const auto now = std::chrono::steady_clock::now();
+    if (now - t.last_ < t.interval_)
+        return 0;
+    try {
+        t.turn_();
+    } catch (...) {
+        // What the windows did meanwhile never ends the statement.
+    }
+    t.last_ = std::chrono::steady_clock::now();
+    return 0;
+}
+
 Database::Transaction::Transaction(Database& db)
     : db_(db), name_("qi_tx" + std::to_string(++db.savepointCounter_))
 {

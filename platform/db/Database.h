@@ -6,6 +6,7 @@
 #include "DbError.h"
 #include "Value.h"
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -205,6 +206,27 @@ public:
         bool open_ = true;
     };
 
+    /// While it lives, a statement of the connection that runs long calls `turn` about every
+    /// `interval`, so that the windows go on painting and their timers run while the engine
+    /// works. `turn` must not use the connection (nor take input that could). Guards nest:
+    /// the outermost one turns. Without a connection (null) the guard does nothing.
+    class Turning {
+    public:
+        Turning(Database* db, std::function<void()> turn,
+                std::chrono::milliseconds interval = std::chrono::milliseconds(50));
+        ~Turning();
+        Turning(const Turning&) = delete;
+        Turning& operator=(const Turning&) = delete;
+
+    private:
+        static int onProgress(void* self);
+        Database* db_;
+        std::function<void()> turn_;
+        std::chrono::steady_clock::duration interval_;
+        std::chrono::steady_clock::time_point last_;
+        bool installed_ = false;
+    };
+
 private:
     friend class Statement;
     Database(sqlite3* db, std::string path, bool readOnly);
@@ -239,6 +261,8 @@ private:
     std::map<std::string, KeyState, NameLess> keys_;
     /// Counts the ends of transactions (commit and rollback hooks).
     std::int64_t epoch_ = 0;
+    /// The guard whose `turn` the engine calls during long statements, if any.
+    Turning* turning_ = nullptr;
 };
 
 } // namespace qi

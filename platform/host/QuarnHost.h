@@ -130,6 +130,8 @@ public:
     /// Inside LookupBatches, past their first few thousand lookups, the answer comes from a map of all
     /// of the module's objects, read then and kept while the object database stays as it was.
     std::optional<HostObject> FindByInvNr(const std::string& invNr);
+    /// The connection to Quarn's object database (null while it is not open).
+    Database* database() { return db_.get(); }
 
     /// Many lookups in a row (a whole scanner file): while the object lives, the
     /// object database is read as of one moment and is not locked anew for each lookup,

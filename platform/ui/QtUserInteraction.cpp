@@ -244,6 +244,8 @@ void QtUserInteraction::setBusy(bool busy)
 
 void QtUserInteraction::processEvents() { QApplication::processEvents(); }
 
+void QtUserInteraction::keepPainting() { QApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
 void QtUserInteraction::showHelp(const std::string& helpFile)
 {
     // One help window for the whole program, like the system's help viewer.

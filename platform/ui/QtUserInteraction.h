@@ -36,6 +36,7 @@ public:
     std::optional<std::string> saveFile(const FileDialogRequest& request) override;
     void setBusy(bool busy) override;
     void processEvents() override;
+    void keepPainting() override;
     /// Opens (or raises) the help window with the help file's contents page.
     void showHelp(const std::string& helpFile) override;
     /// Shows the dialog plugged in with setConflictDialog; without one the first scan is kept.

@@ -42,6 +42,7 @@ public:
     std::optional<std::string> chooseFolder(const std::string& title, const std::string& startFolder) override;
     void setBusy(bool busy) override;
     void processEvents() override { ++eventsProcessed; }
+    void keepPainting() override { ++paintsKept; }
     void showHelp(const std::string& helpFile) override { helpFiles.push_back(helpFile); }
     bool resolveConflict(const ConflictInfo& info) override;
     void openInEditor(const std::string& path) override { editorPaths.push_back(path); }
@@ -84,6 +85,8 @@ public:
     std::vector<bool> busyChanges;
     bool busy = false;
     int eventsProcessed = 0;
+    /// Calls of keepPainting (from inside long statements).
+    int paintsKept = 0;
     /// Help files shown through showHelp, in call order.
     std::vector<std::string> helpFiles;
     std::vector<ConflictInfo> conflicts;

@@ -66,6 +66,9 @@ public:
     virtual void setBusy(bool busy) = 0;
     /// Lets pending window events run.
     virtual void processEvents() = 0;
+    /// Lets the windows paint and their timers run, but takes no input from the user: called
+    /// from inside a long statement, whose connection nothing else may use meanwhile.
+    virtual void keepPainting() {}
 
     /// The conflict dialog for an object scanned in two rooms, shown modally.
     /// True (bVerwerfen) when the second scan replaces the first; false keeps the first.

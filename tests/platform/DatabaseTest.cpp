@@ -465,3 +465,44 @@ TEST_F(DatabaseTest, AFileAttachedOnlyForReadingIsReadSetBasedAndNeverWritten)
     EXPECT_THROW(memory->attachReadOnly(missing, "fehlt"), DbError);
     EXPECT_FALSE(fileExists(missing));
 }
+
+TEST(DatabaseTurningTest, ALongStatementTurnsTheWindowsWhileItRunsAndOnlyTheOutermostGuardTurns)
+{
+    auto db = Database::inMemory();
+    const std::string longStatement =
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) SELECT COUNT(*) FROM n";
+    int outer = 0, inner = 0;
+    {
+        const Database::Turning turning(db.get(), [&] { ++outer; }, std::chrono::milliseconds(1));
+        {
+            const Database::Turning nested(db.get(), [&] { ++inner; }, std::chrono::milliseconds(1));
+            EXPECT_EQ(toLong(db->scalar(longStatement)), 1000000);
+        }
+        EXPECT_GT(outer, 0);
+        EXPECT_EQ(inner, 0);
+    }
+    const int after = outer;
+    EXPECT_EQ(toLong(db->scalar(longStatement)), 1000000);
+    EXPECT_EQ(outer, after);
+
+    // Without a connection there is nothing to turn.
+    const Database::Turning none(nullptr, [&] { ++outer; });
+    EXPECT_EQ(outer, after);
+}
+
+TEST(DatabaseTurningTest, AThrowingTurnDoesNotEndTheStatement)
+{
+    auto db = Database::inMemory();
+    int turns = 0;
+    const Database::Turning turning(
+        db.get(),
+        [&] {
+            ++turns;
+            throw std::runtime_error("Fenster");
+        },
+        std::chrono::milliseconds(1));
+    EXPECT_EQ(toLong(db->scalar("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1000000) "
+                                "SELECT COUNT(*) FROM n")),
+              1000000);
+    EXPECT_GT(turns, 0);
+}

@@ -3,6 +3,11 @@
 #include "QtUserInteraction.h"
 #include "ReportPreview.h"
 
+#include <QEventLoop>
+
+#include <exception>
+#include <thread>
+
 namespace qi {
 
 namespace {
@@ -19,6 +24,30 @@ private:
     UserInteraction& ui_;
 };
 
+/// The report read and set into pages on a thread of its own (its rows come through a
+/// connection of its own), while the windows go on painting; they take no input meanwhile.
+std::unique_ptr<Report> openAside(const std::string& reportFile, const std::string& dataFile,
+                                  const std::string& title)
+{
+    std::unique_ptr<Report> report;
+    std::exception_ptr error;
+    QEventLoop loop;
+    std::thread reader([&] {
+        try {
+            report = Report::open(reportFile, dataFile, title);
+            report->pageCount();
+        } catch (...) {
+            error = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    reader.join();
+    if (error)
+        std::rethrow_exception(error);
+    return report;
+}
+
 } // namespace
 
 ReportPreview* showReportPreview(QWidget* parent, UserInteraction& ui, const std::string& reportFile,
@@ -27,7 +56,7 @@ ReportPreview* showReportPreview(QWidget* parent, UserInteraction& ui, const std
     ReportPreview* window = nullptr;
     {
         const BusyWhile busy(ui);
-        window = new ReportPreview(Report::open(reportFile, dataFile, title), ui, parent);
+        window = new ReportPreview(openAside(reportFile, dataFile, title), ui, parent);
     }
     window->show();
     window->raise();
