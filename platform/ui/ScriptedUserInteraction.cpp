@@ -6,6 +6,8 @@ MsgResult ScriptedUserInteraction::messageBox(const std::string& text, MsgButton
                                               const std::string& title)
 {
     messages.push_back({text, buttons, icon, title});
+    if (onMessage)
+        onMessage(messages.back());
     if (!answers.empty()) {
         const MsgResult r = answers.front();
         answers.pop_front();

@@ -6,6 +6,7 @@
 #include "UserInteraction.h"
 
 #include <deque>
+#include <functional>
 #include <utility>
 
 namespace qi {
@@ -70,6 +71,9 @@ public:
     std::deque<bool> conflictAnswers;
     /// The answer of every conflict beyond the scripted ones: false keeps the first scan, true takes the second.
     bool conflictDefault = false;
+
+    /// Called with every message while it waits for its answer (what a person does meanwhile).
+    std::function<void(const RecordedMessage&)> onMessage;
 
     /// Answers of askChoice in turn: the index of the button, or nothing for "Abbrechen"; without one it is cancelled.
     std::deque<std::optional<int>> choiceAnswers;

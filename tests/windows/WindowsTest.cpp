@@ -294,6 +294,35 @@ TEST_F(WindowsTest, WorkWindowUnloadClosesTheOrderAndGivesTheMainWindowBack)
     EXPECT_TRUE(ui.fileRequests.empty());
 }
 
+TEST_F(WindowsTest, WorkWindowStaysOpenWhileACommandWorksInTheOrder)
+{
+    openDemoOrder();
+    frmWorkWindow& w = *work();
+    chooseFirstFloor();
+    int unloaded = 0;
+    QObject::connect(&w, &OrderWindow::unloaded, [&] { ++unloaded; });
+    // The import's messages wait for their answer: a person closes the window meanwhile.
+    int closes = 0;
+    ui.onMessage = [&](const RecordedMessage&) {
+        ++closes;
+        EXPECT_FALSE(w.close());
+    };
+    ui.fileChoices = {scanFile("Scan_EG_Teil1.dat")};
+    w.pbAdd->click();
+    ui.onMessage = nullptr;
+    EXPECT_GT(closes, 0);
+    EXPECT_EQ(unloaded, 0);
+    EXPECT_TRUE(main->orderDb()->isOpen());
+    ASSERT_NE(itemWithText(*w.lvDateien, QStringLiteral("Scan_EG_Teil1.dat")), nullptr);
+    for (const RecordedMessage& m : ui.messages)
+        EXPECT_NE(m.icon, MsgIcon::Critical) << m.text;
+
+    // Once the command is done the window closes.
+    EXPECT_TRUE(w.close());
+    EXPECT_EQ(unloaded, 1);
+    EXPECT_FALSE(main->orderDb()->isOpen());
+}
+
 // ------------------------------------------------------------------ the room selection window
 
 TEST_F(WindowsTest, RoomWindowShowsItsCaptionsAndTheTree)
