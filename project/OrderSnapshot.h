@@ -5,6 +5,8 @@
 // copied, so a window that saves meanwhile waits a moment at most. The order's own file is
 // not written.
 
+#include "PrivateFolder.h"
+
 #include <string>
 
 namespace qi {
@@ -13,19 +15,14 @@ class Database;
 
 class OrderSnapshot {
 public:
-    /// Copies `order` into a new private folder as `fileName`. DbError or std::exception with
-    /// a German text when that fails (nothing is left then).
+    /// Copies `order` into a new private folder as `fileName`; the folder goes with the object.
+    /// DbError or std::exception with a German text when that fails (nothing is left then).
     OrderSnapshot(Database& order, const std::string& fileName);
-    /// Removes the private folder with the copy.
-    ~OrderSnapshot();
-    OrderSnapshot(const OrderSnapshot&) = delete;
-    OrderSnapshot& operator=(const OrderSnapshot&) = delete;
 
     const std::string& path() const { return path_; }
 
 private:
-    void removeFolder();
-    std::string folder_;
+    PrivateFolder folder_;
     std::string path_;
 };
 

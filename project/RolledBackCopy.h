@@ -5,6 +5,8 @@
 // its journal instead, put back in a folder of this program's own. The order's own file and
 // journal are not touched.
 
+#include "PrivateFolder.h"
+
 #include <string>
 
 namespace qi {
@@ -19,19 +21,14 @@ class RolledBackCopy {
 public:
     /// Copies `databaseFile` and its journal into a new private folder and opens the copy for
     /// changes once, which puts it back to its state before the cut-off change. std::exception
-    /// with a German text when that fails (nothing is left then).
+    /// with a German text when that fails (nothing is left then). The folder goes with the object.
     explicit RolledBackCopy(const std::string& databaseFile);
-    /// Removes the private folder with the copy.
-    ~RolledBackCopy();
-    RolledBackCopy(const RolledBackCopy&) = delete;
-    RolledBackCopy& operator=(const RolledBackCopy&) = delete;
 
     /// The copy, put back, with no journal beside it.
     const std::string& path() const { return path_; }
 
 private:
-    void removeFolder();
-    std::string folder_;
+    PrivateFolder folder_;
     std::string path_;
 };
 
