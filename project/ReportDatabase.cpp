@@ -3,7 +3,6 @@
 #include "FileSystem.h"
 
 #include <array>
-#include <filesystem>
 #include <stdexcept>
 
 namespace qi {
@@ -116,23 +115,11 @@ std::string sharedReportDatabasePath(const Settings& settings)
            kReportDatabaseFile;
 }
 
-PrivateReportDatabase::PrivateReportDatabase() = default;
-
-PrivateReportDatabase::~PrivateReportDatabase()
-{
-    if (folder_.empty())
-        return;
-    std::error_code ec;
-    std::filesystem::remove_all(std::filesystem::u8path(folder_), ec);
-}
-
 void PrivateReportDatabase::copyFrom(const std::string& shared)
 {
-    if (folder_.empty()) {
-        folder_ = newPrivateFolder();
-        if (folder_.empty())
-            throw std::runtime_error(kNoPrivateFolder);
-        file_ = folder_ + "/" + kReportDatabaseFile;
+    if (!folder_) {
+        folder_ = std::make_unique<PrivateFolder>();
+        file_ = folder_->file(kReportDatabaseFile);
     }
     // Copied beside the copy and renamed over it: a report that still reads the earlier copy
     // keeps reading it whole.

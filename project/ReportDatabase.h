@@ -12,6 +12,7 @@
 
 #include "JetSql.h"
 #include "LinkedDatabase.h"
+#include "PrivateFolder.h"
 #include "Settings.h"
 
 #include <cstdint>
@@ -38,24 +39,20 @@ std::string sharedReportDatabasePath(const Settings& settings);
 /// can read, removed with its folder when the program ends.
 class PrivateReportDatabase {
 public:
-    /// No folder yet: the first copyFrom makes it.
-    PrivateReportDatabase();
-    /// Removes the folder with the copy.
-    ~PrivateReportDatabase();
-    PrivateReportDatabase(const PrivateReportDatabase&) = delete;
-    PrivateReportDatabase& operator=(const PrivateReportDatabase&) = delete;
+    /// No folder yet: the first copyFrom makes it. The folder goes with the object.
+    PrivateReportDatabase() = default;
 
     /// The copy ("<folder>/QInventurRpt.mdb"); empty until the folder is made.
     const std::string& file() const { return file_; }
     /// The folder of the copy; empty until it is made.
-    const std::string& folder() const { return folder_; }
+    std::string folder() const { return folder_ ? folder_->path() : std::string(); }
     /// Replaces the copy, in one step, by a copy of the report database `shared`, making the
     /// folder first if there is none yet. DbError when `shared` can't be read or the copy can't be
     /// written, std::runtime_error with the user's message when no folder can be made.
     void copyFrom(const std::string& shared);
 
 private:
-    std::string folder_;
+    std::unique_ptr<PrivateFolder> folder_;
     std::string file_;
 };
 

@@ -8,7 +8,6 @@
 #include "Settings.h"
 #include "frmWork.h"
 
-#include <filesystem>
 
 namespace qi {
 
@@ -47,12 +46,8 @@ FreshEvaluation::FreshEvaluation(Database& order, const std::string& fileName, c
 
 void FreshEvaluation::evaluate(Database& order, const std::string& fileName, const Settings& settings, QGebDb& geb)
 {
-    folder_ = newPrivateFolder();
-    if (folder_.empty()) {
-        error_ = kNoPrivateFolder;
-        return;
-    }
-    const std::string copyPath = folder_ + "/" + fileName;
+    folder_ = std::make_unique<PrivateFolder>();
+    const std::string copyPath = folder_->file(fileName);
     order.copyTo(copyPath);
 
     // A report database of the overview's own: the evaluation reads Quarn's tables through its links.
@@ -60,7 +55,7 @@ void FreshEvaluation::evaluate(Database& order, const std::string& fileName, con
     // modules (the remarks of the INVENTAR objects) stay as the projects evaluated there left them;
     // without that file it is made anew.
     Settings own = settings;
-    own.reportDatabaseFile = folder_ + "/" + kReportDatabaseFile;
+    own.reportDatabaseFile = folder_->file(kReportDatabaseFile);
     own.privateReportDatabase = nullptr;
     try {
         Database::open(sharedReportDatabasePath(settings), true)->copyTo(own.reportDatabaseFile);
@@ -89,14 +84,8 @@ void FreshEvaluation::evaluate(Database& order, const std::string& fileName, con
     copy_ = std::move(db);
 }
 
-FreshEvaluation::~FreshEvaluation()
-{
-    copy_.reset();
-    if (folder_.empty())
-        return;
-    std::error_code ec;
-    std::filesystem::remove_all(std::filesystem::u8path(folder_), ec);
-}
+// The copy is closed before its folder goes (members end in reverse order).
+FreshEvaluation::~FreshEvaluation() = default;
 
 Database& FreshEvaluation::database() { return *copy_->database(); }
 

@@ -7,6 +7,7 @@
 // shown: what the evaluation would have told is kept as text. The folder goes with the object.
 
 #include "Database.h"
+#include "PrivateFolder.h"
 
 #include <memory>
 #include <string>
@@ -36,7 +37,7 @@ public:
 
 private:
     void evaluate(Database& order, const std::string& fileName, const Settings& settings, QGebDb& geb);
-    std::string folder_;
+    std::unique_ptr<PrivateFolder> folder_;
     std::string error_;
     std::unique_ptr<ScriptedUserInteraction> ui_;
     std::unique_ptr<CAuftragDb> copy_;
