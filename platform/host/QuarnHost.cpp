@@ -184,14 +184,26 @@ bool QGebDb::GetObjectNamesByRoom(std::map<std::int32_t, std::vector<std::string
 {
     names.clear();
     try {
+        // One walk over the table in storage order, sorted here: ordered by the engine, the walk
+        // would follow the index of the rooms and fetch every object on its own.
         Statement& st = objectDb().prepare(moduleSql(prefix_, [](const std::string& p) {
-            return "SELECT o.lGebstruId, o.stName FROM " + p + "Objekt o WHERE " + kStandingInRoom +
-                   " ORDER BY o.lGebstruId, o.lId";
+            return "SELECT o.lGebstruId, o.lId, o.stName FROM " + p + "Objekt o WHERE " + kStandingInRoom;
         }));
+        struct Standing {
+            std::int32_t room;
+            std::int64_t key;
+            std::string name;
+        };
+        std::vector<Standing> standing;
         st.bindAll({});
         while (st.step())
-            names[int32(st, 0)].emplace_back(st.columnText(1));
+            standing.push_back(Standing{std::int32_t(int32(st, 0)), st.columnInt(1), std::string(st.columnText(2))});
         st.reset();
+        std::sort(standing.begin(), standing.end(), [](const Standing& a, const Standing& b) {
+            return a.room != b.room ? a.room < b.room : a.key < b.key;
+        });
+        for (Standing& o : standing)
+            names[o.room].push_back(std::move(o.name));
         lastError_.clear();
         return true;
     } catch (const DbError& e) {
