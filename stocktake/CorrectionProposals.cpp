@@ -21,6 +21,7 @@
 #include "Categories.h"
 #include "Database.h"
 #include "JetCollation.h"
+#include "ProjectResultSchema.h"
 
 #include <algorithm>
 #include <map>
@@ -349,6 +350,7 @@ void sortByNumber(std::vector<Proposal>& proposals)
 
 std::vector<Proposal> makeProposals(Database& result)
 {
+    indexIstNumbers(result);
     const CheckedRooms rooms(result);
     std::vector<Proposal> klaeren = clarify(result, rooms);
     std::set<std::string> taken;

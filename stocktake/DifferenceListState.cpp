@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_set>
 #include <string>
 #include <vector>
 
@@ -26,17 +27,82 @@ const std::string kRoomsWithoutRows = std::string("SELECT COUNT(*) FROM T_Raum A
 const std::string kRowsOfOtherRooms =
     std::string("SELECT COUNT(*) FROM T_Differenzliste AS d WHERE ") + kSollPart +
     " AND NOT EXISTS (SELECT 1 FROM T_Raum AS r WHERE r.lID = d.lRaumID AND r.ststatus <> 'N')";
-// A scan in a room of the order that the list lacks, and an Ist row that no scan of its room explains.
-const std::string kScansNotListed =
-    "SELECT COUNT(*) FROM T_DatInventur AS s WHERE EXISTS (SELECT 1 FROM T_Raum AS r WHERE r.stRaumNr = s.stRaum) "
-    "AND NOT EXISTS (SELECT 1 FROM T_Differenzliste AS d JOIN T_Raum AS r ON r.lID = d.lRaumID "
-    "WHERE d.stIstInvNR = s.stInvNr AND r.stRaumNr = s.stRaum)";
-const std::string kListedNotScanned =
-    "SELECT COUNT(*) FROM T_Differenzliste AS d LEFT JOIN T_Raum AS r ON r.lID = d.lRaumID "
-    "WHERE d.stIstInvNR <> '' AND NOT EXISTS (SELECT 1 FROM T_DatInventur AS s "
-    "WHERE s.stInvNr = d.stIstInvNR AND s.stRaum = r.stRaumNr)";
+// The scans and the rows of the list, each with the number of its room, for matching them
+// against each other (scanAndListMatch).
+const std::string kRoomNumbers = "SELECT stRaumNr FROM T_Raum WHERE stRaumNr IS NOT NULL";
+const std::string kScans = "SELECT stInvNr IS NULL, coalesce(stInvNr, ''), stRaum FROM T_DatInventur "
+                           "WHERE stRaum IS NOT NULL";
+const std::string kListedIst = "SELECT d.stIstInvNR, r.stRaumNr IS NULL, coalesce(r.stRaumNr, '') "
+                               "FROM T_Differenzliste AS d LEFT JOIN T_Raum AS r ON r.lID = d.lRaumID "
+                               "WHERE d.stIstInvNR IS NOT NULL";
 const std::string kRoomsToEvaluate = "SELECT lID, lIdRB FROM T_Raum WHERE ststatus <> 'N'";
 const std::string kSollNumbers = "SELECT lRaumID, stSollInvNR FROM T_Differenzliste WHERE stSollInvNR <> ''";
+
+/// A number and a room number as one key: texts that compare equal as the order database
+/// compares them make the same key.
+std::string pairKey(std::string_view nr, std::string_view room)
+{
+    const std::string a = jetFoldKey(nr);
+    return std::to_string(a.size()) + ':' + a + jetFoldKey(room);
+}
+
+/// True when every scan in a room of the order has its row with the same number in the list
+/// and every row with an Ist number has its scan in the row's room, the texts compared as the
+/// order database compares them. One walk over each table: the order's indexes are not asked
+/// once per scan.
+bool scanAndListMatch(Database& order)
+{
+    std::unordered_set<std::string> rooms;
+    {
+        Statement& st = order.prepare(kRoomNumbers);
+        st.bindAll({});
+        while (st.step())
+            rooms.insert(jetFoldKey(st.columnText(0)));
+        st.reset();
+    }
+    // The rows of the list by Ist number (also the empty one of a Soll row) and room number.
+    std::unordered_set<std::string> listed;
+    std::vector<std::string> listedWithNumber;
+    {
+        Statement& st = order.prepare(kListedIst);
+        st.bindAll({});
+        while (st.step()) {
+            if (st.columnInt(1) != 0) {
+                // A row without its room has no scan in it.
+                if (!st.columnText(0).empty())
+                    return false;
+                continue;
+            }
+            std::string key = pairKey(st.columnText(0), st.columnText(2));
+            if (!st.columnText(0).empty())
+                listedWithNumber.push_back(key);
+            listed.insert(std::move(key));
+        }
+        st.reset();
+    }
+    std::unordered_set<std::string> scanned;
+    {
+        Statement& st = order.prepare(kScans);
+        st.bindAll({});
+        while (st.step()) {
+            if (!rooms.count(jetFoldKey(st.columnText(2))))
+                continue;
+            // A scan without a number in a room of the order: no row can name it.
+            if (st.columnInt(0) != 0)
+                return false;
+            std::string key = pairKey(st.columnText(1), st.columnText(2));
+            if (!listed.count(key))
+                return false;
+            scanned.insert(std::move(key));
+        }
+        st.reset();
+    }
+    // A row's room is a room of the order: its scan was among those above.
+    for (const std::string& key : listedWithNumber)
+        if (!scanned.count(key))
+            return false;
+    return true;
+}
 
 std::int64_t count(Database& db, const std::string& sql) { return toLong(db.scalar(sql)); }
 
@@ -47,7 +113,7 @@ ListState differenceListState(Database& order, const QuarnRooms& quarn)
     if (count(order, kListRows) == 0 && count(order, kEvaluatedRooms) > 0)
         return ListState::Never;
     if (count(order, kRoomsWithoutRows) > 0 || count(order, kRowsOfOtherRooms) > 0 ||
-        count(order, kScansNotListed) > 0 || count(order, kListedNotScanned) > 0)
+        !scanAndListMatch(order))
         return ListState::Stale;
 
     std::map<std::int64_t, std::vector<std::string>> soll;

@@ -33,14 +33,12 @@ constexpr const char* kCopyList =
     "coalesce(d.stQuelle, ''), coalesce(d.stQuarn, ''), coalesce(d.Datum, ''), coalesce(d.Uhrzeit, ''), "
     "qi_scan_time(coalesce(d.Datum, ''), coalesce(d.Uhrzeit, '')) "
     "FROM auftrag.T_Differenzliste AS d LEFT JOIN auftrag.T_Raum AS r ON r.lID = d.lRaumID ORDER BY d.lID";
-// The scans per room number as they stand (the numbers that compare equal are joined below), and
-// the rows of the list per room and type with those that have a Soll number.
-constexpr const char* kScansPerRoom = "SELECT coalesce(stRaum, ''), COUNT(*), "
-                                      "max(qi_scan_time(coalesce(Datum, ''), coalesce(Uhrzeit, ''))) "
-                                      "FROM auftrag.T_DatInventur GROUP BY 1";
-constexpr const char* kListPerRoom = "SELECT lRaumID, coalesce(stTyp, ''), COUNT(*), "
-                                     "SUM(length(coalesce(stSollInvNR, '')) > 0) "
-                                     "FROM auftrag.T_Differenzliste GROUP BY 1, 2";
+// The scans just copied, with their room number and time (the numbers that compare equal are
+// joined below), and the rows of the list with their room, type and whether they have a Soll number.
+constexpr const char* kLastScan = "SELECT coalesce(max(rowid), 0) FROM P_Scan";
+constexpr const char* kCopiedScans = "SELECT stRaum, stZeit FROM P_Scan WHERE rowid > ?1";
+constexpr const char* kListRows = "SELECT lRaumID, coalesce(stTyp, ''), length(coalesce(stSollInvNR, '')) > 0 "
+                                  "FROM auftrag.T_Differenzliste";
 constexpr const char* kFiles = "SELECT COUNT(*) FROM T_Dateien";
 constexpr const char* kFilePaths = "SELECT coalesce(stPfad, '') FROM T_Dateien ORDER BY lID";
 constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N'";
@@ -144,39 +142,55 @@ void writeOrderFigures(Database& result, const AttachedOrder& attached, const Or
     Figures f;
 
     // Scan lines, with their time, and per room number their count and the latest.
+    const std::int64_t firstScan = toLong(result.scalar(kLastScan));
     result.execute(kCopyScans, {h.stAuftrag});
     std::map<std::string, RoomScans, JetLess> perRoom;
     {
-        const Recordset rooms = result.query(kScansPerRoom);
-        for (const auto& r : rooms.rows()) {
-            RoomScans& room = perRoom[text(r[0])];
-            const std::int64_t count = toLong(r[1]);
-            const std::string last = text(r[2]);
-            room.count += count;
-            if (room.last < last)
-                room.last = last;
-            if (f.letzterScan < last)
-                f.letzterScan = last;
-            f.scans += count;
+        Statement& scans = result.prepare(kCopiedScans);
+        scans.bindAll({firstScan});
+        RoomScans* room = nullptr;
+        std::string roomNr;
+        while (scans.step()) {
+            // The scans of a room mostly follow each other.
+            if (!room || scans.columnText(0) != roomNr) {
+                roomNr = std::string(scans.columnText(0));
+                room = &perRoom[roomNr];
+            }
+            const std::string_view zeit = scans.columnText(1);
+            ++room->count;
+            if (room->last < zeit)
+                room->last = std::string(zeit);
+            ++f.scans;
         }
+        scans.reset();
+        for (const auto& [nr, scanned] : perRoom)
+            if (f.letzterScan < scanned.last)
+                f.letzterScan = scanned.last;
     }
 
     // The difference list, with the "1 OK" rows per room.
     result.execute(kCopyList, {h.stAuftrag});
     std::map<std::int64_t, std::int64_t> okPerRoom;
     {
-        const Recordset groups = result.query(kListPerRoom);
-        for (const auto& g : groups.rows()) {
-            const std::int64_t rows = toLong(g[2]);
-            f.soll += toLong(g[3]);
-            const int c = categoryOf(text(g[1]));
+        Statement& rows = result.prepare(kListRows);
+        rows.bindAll({});
+        std::string typ;
+        int c = categoryOf(typ);
+        while (rows.step()) {
+            // The rows of a type mostly follow each other.
+            if (rows.columnText(1) != typ) {
+                typ = std::string(rows.columnText(1));
+                c = categoryOf(typ);
+            }
+            f.soll += rows.columnInt(2);
             if (c >= 0)
-                f.category[c] += rows;
+                ++f.category[c];
             if (c == 0) {
-                f.amPlatz += rows;
-                okPerRoom[toLong(g[0])] += rows;
+                ++f.amPlatz;
+                ++okPerRoom[rows.columnInt(0)];
             }
         }
+        rows.reset();
     }
 
     // The rooms.

@@ -60,8 +60,8 @@ void readRegister(const Settings& settings, CAuftragRecColl& orders)
 
 /// The order databases of the register opened, checked and evaluated afresh ahead of writing
 /// their rows, by the calling thread and one more of its own (the work of an order by whichever
-/// thread is free, at most kAhead orders ahead of the one being written; each thread with
-/// Quarn's building component of its own). The sources are taken in the register's order, so
+/// thread is free, at most kAhead orders ahead of the one being written; for fresh evaluations
+/// each thread with Quarn's building component of its own). The sources are taken in the register's order, so
 /// the result is the same however the work was shared. The helper ends with the object.
 class OrderSources {
 public:
@@ -71,16 +71,16 @@ public:
         : files_(std::move(files)), slots_(files_.size()), settings_(settings), geb_(geb), quarn_(quarn),
           fresh_(fresh)
     {
-        // Only the fresh evaluations are worth a second thread; without its own component Quarn
-        // can't serve it, and the calling thread does all the work.
         const auto toRead = std::count_if(files_.begin(), files_.end(), [](const std::string& f) { return !f.empty(); });
-        if (!fresh_ || toRead < 2)
+        if (toRead < 2)
             return;
-        std::string error;
-        helperGeb_ = openBuildingComponent(settings_, &error);
-        if (!error.empty()) {
-            helperGeb_.reset();
-            return;
+        // A fresh evaluation needs Quarn's building component of the thread's own; where it
+        // can't be had, the calling thread does all the work.
+        if (fresh_) {
+            std::string error;
+            helperGeb_ = openBuildingComponent(settings_, &error);
+            if (!error.empty())
+                return;
         }
         helper_ = std::thread([this] { helpUntilStopped(); });
     }
@@ -121,7 +121,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kAhead = 8;
+    static constexpr std::size_t kAhead = 16;
 
     struct Slot {
         std::unique_ptr<OrderSource> source;
@@ -159,7 +159,8 @@ private:
             if (stop_)
                 return;
             lock.unlock();
-            make(job, *helperGeb_);
+            // Without fresh evaluations the component is never asked.
+            make(job, helperGeb_ ? *helperGeb_ : geb_);
             lock.lock();
         }
     }

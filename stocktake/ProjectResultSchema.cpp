@@ -47,6 +47,11 @@ constexpr std::array<std::pair<const char*, const char*>, 8> kLists{{
 
 } // namespace
 
+void indexIstNumbers(Database& db)
+{
+    db.execute("CREATE INDEX IF NOT EXISTS P_Diff_stIstInvNR ON P_Diff (stIstInvNR)");
+}
+
 void createProjectResultSchema(Database& db)
 {
     const std::string sql =
@@ -64,7 +69,6 @@ void createProjectResultSchema(Database& db)
         table("P_Diff", {"stAuftrag", "stRaumNr", "stSollInvNR", "stIstInvNR", "stTyp", "stBeschreibung",
                          "stArtNr", "stZiel", "stQuelle", "stQuarn", "Datum", "Uhrzeit", "stZeit"}) +
         "CREATE INDEX P_Diff_stSollInvNR ON P_Diff (stSollInvNR);\n"
-        "CREATE INDEX P_Diff_stIstInvNR ON P_Diff (stIstInvNR);\n"
         "CREATE INDEX P_Diff_stTyp ON P_Diff (stTyp);\n" +
         table("L_Verschoben", {"stInvNr", "stBeschreibung", "stArtNr", "stAuftragSoll", "stRaumSoll",
                                "stAuftragIst", "stRaumIst", "Datum", "Uhrzeit", "stZeit"}) +

@@ -456,6 +456,23 @@ TEST_F(ProjectOverviewTest, AListIsStaleWhenScansOrRoomsChangedAfterItWasMade)
         db.database()->execute("DELETE FROM T_DatInventur WHERE lID = (SELECT MIN(lID) FROM T_DatInventur)");
     });
     EXPECT_EQ(stand(*compute(), "EG"), kStandNeu);
+
+    // Numbers and room numbers compare as the order database compares them: blanks at the end
+    // and letter case don't make a list stale.
+    evaluate("EG");
+    work("EG", [&](frmWork&, CAuftragDb& db) {
+        db.database()->execute("UPDATE T_DatInventur SET stInvNr = upper(stInvNr) || '  ', stRaum = stRaum || ' '");
+        db.database()->execute("UPDATE T_Differenzliste SET stIstInvNR = lower(stIstInvNR) WHERE stIstInvNR <> ''");
+    });
+    EXPECT_EQ(stand(*compute(), "EG"), kStandAktuell);
+
+    // A scan taken to another evaluated room of the order.
+    work("EG", [&](frmWork&, CAuftragDb& db) {
+        db.database()->execute("UPDATE T_DatInventur SET stRaum = (SELECT r.stRaumNr FROM T_Raum AS r "
+                               "WHERE r.ststatus <> 'N' AND r.stRaumNr <> T_DatInventur.stRaum LIMIT 1) "
+                               "WHERE lID = (SELECT MIN(lID) FROM T_DatInventur)");
+    });
+    EXPECT_EQ(stand(*compute(), "EG"), kStandNeu);
 }
 
 TEST_F(ProjectOverviewTest, AListIsStaleWhenQuarnsObjectsOfItsRoomsChanged)
