@@ -28,6 +28,7 @@ struct OrderSource {
 
     std::unique_ptr<RolledBackCopy> putBack;
     std::unique_ptr<OrderSnapshot> snapshot;
+    std::string fileName; ///< the name of the order's file, which its copies keep
     std::unique_ptr<ScriptedUserInteraction> quiet;
     std::unique_ptr<CAuftragDb> order; ///< the private copy, opened only for reading
     ListState state = ListState::Fits;
@@ -38,9 +39,18 @@ struct OrderSource {
     Database& data();
 };
 
-/// Opens the order database `file` through a private copy and evaluates it afresh when
-/// `fresh` and its list does not fit, with Quarn's building component `geb`. Never throws: a
-/// failure is told in the source.
+/// Opens the order database `file` through a private copy and tells whether its difference
+/// list fits its data. Never throws: a failure is told in the source.
+std::unique_ptr<OrderSource> checkOrderSource(const std::string& file, const QuarnRooms& quarn);
+
+/// True when `source` was read, its list does not fit and it is not evaluated afresh yet.
+bool needsFreshEvaluation(const OrderSource& source);
+
+/// Evaluates `source` afresh where it needs it (needsFreshEvaluation), with Quarn's building
+/// component `geb`. Never throws: a failure is told in the source.
+void evaluateAfresh(OrderSource& source, const Settings& settings, QGebDb& geb);
+
+/// checkOrderSource, then evaluateAfresh when `fresh`.
 std::unique_ptr<OrderSource> openOrderSource(const std::string& file, const Settings& settings, QGebDb& geb,
                                              const QuarnRooms& quarn, bool fresh);
 

@@ -59,10 +59,12 @@ void readRegister(const Settings& settings, CAuftragRecColl& orders)
 }
 
 /// The order databases of the register opened, checked and evaluated afresh ahead of writing
-/// their rows, by the calling thread and one more of its own (the work of an order by whichever
-/// thread is free, at most kAhead orders ahead of the one being written; for fresh evaluations
-/// each thread with Quarn's building component of its own). The sources are taken in the register's order, so
-/// the result is the same however the work was shared. The helper ends with the object.
+/// their rows, by the calling thread and one more of its own, at most kAhead orders ahead of
+/// the one being written. An order's work is two jobs: its check, then (where its list does not
+/// fit) its fresh evaluation; each by whichever thread is free, so that the checks find the long
+/// evaluations early and both threads share them. For fresh evaluations each thread has Quarn's
+/// building component of its own. The sources are taken in the register's order, so the result
+/// is the same however the work was shared. The helper ends with the object.
 class OrderSources {
 public:
     /// `files`: per register row the order database to open, '' for a row whose file is not read.
@@ -71,11 +73,13 @@ public:
         : files_(std::move(files)), slots_(files_.size()), settings_(settings), geb_(geb), quarn_(quarn),
           fresh_(fresh)
     {
+        for (std::size_t i = 0; i < files_.size(); ++i)
+            if (files_[i].empty())
+                slots_[i].stage = Stage::Done;
         const auto toRead = std::count_if(files_.begin(), files_.end(), [](const std::string& f) { return !f.empty(); });
         if (toRead < 2)
             return;
-        // A fresh evaluation needs Quarn's building component of the thread's own; where it
-        // can't be had, the calling thread does all the work.
+        // Where the component can't be had, the calling thread does all the work.
         if (fresh_) {
             std::string error;
             helperGeb_ = openBuildingComponent(settings_, &error);
@@ -107,61 +111,91 @@ public:
         writing_ = i;
         changed_.notify_all();
         for (;;) {
-            if (slots_[i].done)
+            if (slots_[i].stage == Stage::Done)
                 return std::move(slots_[i].source);
-            std::size_t job = 0;
-            if (claim(job)) {
-                lock.unlock();
-                make(job, geb_);
-                lock.lock();
-            } else if (!slots_[i].done) {
+            // The row waited for comes first; then the checks, which find the evaluations.
+            Job job;
+            if (slots_[i].stage == Stage::Checked)
+                job = {i, Stage::Checked};
+            else if (!claimCheck(job) && !claimEvaluation(job)) {
                 changed_.wait(lock);
+                continue;
             }
+            run(job, geb_, lock);
         }
     }
 
 private:
     static constexpr std::size_t kAhead = 16;
 
+    /// Waiting: nothing done yet; Checking: its check runs; Checked: its evaluation waits;
+    /// Evaluating: its evaluation runs; Done: its source is there.
+    enum class Stage { Waiting, Checking, Checked, Evaluating, Done };
+
     struct Slot {
         std::unique_ptr<OrderSource> source;
-        bool done = false;
+        Stage stage = Stage::Waiting;
     };
 
-    /// The next row to work on, if there is one within reach (under the lock).
-    bool claim(std::size_t& job)
+    struct Job {
+        std::size_t row = 0;
+        Stage stage = Stage::Waiting; ///< Waiting: its check; Checked: its evaluation
+    };
+
+    bool within(std::size_t row) const { return row < writing_ + kAhead; }
+
+    /// The next order to check, if there is one within reach (under the lock).
+    bool claimCheck(Job& job)
     {
-        for (; next_ < slots_.size() && files_[next_].empty(); ++next_)
-            slots_[next_].done = true;
-        if (next_ >= slots_.size() || next_ >= writing_ + kAhead)
+        while (nextCheck_ < slots_.size() && slots_[nextCheck_].stage != Stage::Waiting)
+            ++nextCheck_;
+        if (nextCheck_ >= slots_.size() || !within(nextCheck_))
             return false;
-        job = next_++;
+        job = {nextCheck_++, Stage::Waiting};
         return true;
     }
 
-    void make(std::size_t job, QGebDb& geb)
+    /// The first checked order whose evaluation waits, within reach (under the lock).
+    bool claimEvaluation(Job& job)
     {
-        std::unique_ptr<OrderSource> source = openOrderSource(files_[job], settings_, geb, quarn_, fresh_);
-        {
-            std::lock_guard<std::mutex> lock(mutex_);
-            slots_[job].source = std::move(source);
-            slots_[job].done = true;
-        }
+        for (std::size_t r = writing_; r < slots_.size() && within(r); ++r)
+            if (slots_[r].stage == Stage::Checked) {
+                job = {r, Stage::Checked};
+                return true;
+            }
+        return false;
+    }
+
+    /// Runs `job` outside the lock (held on entry and on return).
+    void run(const Job& job, QGebDb& geb, std::unique_lock<std::mutex>& lock)
+    {
+        Slot& slot = slots_[job.row];
+        slot.stage = job.stage == Stage::Waiting ? Stage::Checking : Stage::Evaluating;
+        lock.unlock();
+        std::unique_ptr<OrderSource> checked;
+        if (job.stage == Stage::Waiting)
+            checked = checkOrderSource(files_[job.row], quarn_);
+        else
+            evaluateAfresh(*slot.source, settings_, geb);
+        lock.lock();
+        if (checked)
+            slot.source = std::move(checked);
+        slot.stage = fresh_ && needsFreshEvaluation(*slot.source) ? Stage::Checked : Stage::Done;
         changed_.notify_all();
     }
 
     void helpUntilStopped()
     {
+        // Without fresh evaluations the component is never asked.
+        QGebDb& geb = helperGeb_ ? *helperGeb_ : geb_;
         std::unique_lock<std::mutex> lock(mutex_);
         for (;;) {
-            std::size_t job = 0;
-            changed_.wait(lock, [&] { return stop_ || claim(job); });
+            // The evaluations first: they are the long work.
+            Job job;
+            changed_.wait(lock, [&] { return stop_ || claimEvaluation(job) || claimCheck(job); });
             if (stop_)
                 return;
-            lock.unlock();
-            // Without fresh evaluations the component is never asked.
-            make(job, helperGeb_ ? *helperGeb_ : geb_);
-            lock.lock();
+            run(job, geb, lock);
         }
     }
 
@@ -174,7 +208,7 @@ private:
     std::unique_ptr<QGebDb> helperGeb_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::size_t next_ = 0;
+    std::size_t nextCheck_ = 0;
     std::size_t writing_ = 0;
     bool stop_ = false;
     std::thread helper_;
