@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace qi {
