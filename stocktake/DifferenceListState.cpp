@@ -38,12 +38,11 @@ const std::string kListedIst = "SELECT d.stIstInvNR, r.stRaumNr IS NULL, coalesc
 const std::string kRoomsToEvaluate = "SELECT lID, lIdRB FROM T_Raum WHERE ststatus <> 'N'";
 const std::string kSollNumbers = "SELECT lRaumID, stSollInvNR FROM T_Differenzliste WHERE stSollInvNR <> ''";
 
-/// A number and a room number as one key: texts that compare equal as the order database
-/// compares them make the same key.
-std::string pairKey(std::string_view nr, std::string_view room)
+/// A number and a room number, each folded (jetFoldKey), as one key: texts that compare equal
+/// as the order database compares them make the same key.
+std::string pairKey(const std::string& foldedNr, const std::string& foldedRoom)
 {
-    const std::string a = jetFoldKey(nr);
-    return std::to_string(a.size()) + ':' + a + jetFoldKey(room);
+    return std::to_string(foldedNr.size()) + ':' + foldedNr + foldedRoom;
 }
 
 /// True when every scan in a room of the order has its row with the same number in the list
@@ -73,7 +72,7 @@ bool scanAndListMatch(Database& order)
                     return false;
                 continue;
             }
-            std::string key = pairKey(st.columnText(0), st.columnText(2));
+            std::string key = pairKey(jetFoldKey(st.columnText(0)), jetFoldKey(st.columnText(2)));
             if (!st.columnText(0).empty())
                 listedWithNumber.push_back(key);
             listed.insert(std::move(key));
@@ -85,12 +84,13 @@ bool scanAndListMatch(Database& order)
         Statement& st = order.prepare(kScans);
         st.bindAll({});
         while (st.step()) {
-            if (!rooms.count(jetFoldKey(st.columnText(2))))
+            const std::string room = jetFoldKey(st.columnText(2));
+            if (!rooms.count(room))
                 continue;
             // A scan without a number in a room of the order: no row can name it.
             if (st.columnInt(0) != 0)
                 return false;
-            std::string key = pairKey(st.columnText(1), st.columnText(2));
+            std::string key = pairKey(jetFoldKey(st.columnText(1)), room);
             if (!listed.count(key))
                 return false;
             scanned.insert(std::move(key));

@@ -8,7 +8,6 @@
 #include "Settings.h"
 #include "frmWork.h"
 
-
 namespace qi {
 
 namespace {

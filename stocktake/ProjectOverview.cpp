@@ -73,10 +73,13 @@ public:
         : files_(std::move(files)), slots_(files_.size()), settings_(settings), geb_(geb), quarn_(quarn),
           fresh_(fresh)
     {
-        for (std::size_t i = 0; i < files_.size(); ++i)
+        std::size_t toRead = 0;
+        for (std::size_t i = 0; i < files_.size(); ++i) {
             if (files_[i].empty())
                 slots_[i].stage = Stage::Done;
-        const auto toRead = std::count_if(files_.begin(), files_.end(), [](const std::string& f) { return !f.empty(); });
+            else
+                ++toRead;
+        }
         if (toRead < 2)
             return;
         // Where the component can't be had, the calling thread does all the work.
@@ -116,7 +119,7 @@ public:
             // The row waited for comes first; then the checks, which find the evaluations.
             Job job;
             if (slots_[i].stage == Stage::Checked)
-                job = {i, Stage::Checked};
+                job = {i, Work::Evaluate};
             else if (!claimCheck(job) && !claimEvaluation(job)) {
                 changed_.wait(lock);
                 continue;
@@ -137,9 +140,11 @@ private:
         Stage stage = Stage::Waiting;
     };
 
+    enum class Work { Check, Evaluate };
+
     struct Job {
         std::size_t row = 0;
-        Stage stage = Stage::Waiting; ///< Waiting: its check; Checked: its evaluation
+        Work work = Work::Check;
     };
 
     bool within(std::size_t row) const { return row < writing_ + kAhead; }
@@ -151,7 +156,7 @@ private:
             ++nextCheck_;
         if (nextCheck_ >= slots_.size() || !within(nextCheck_))
             return false;
-        job = {nextCheck_++, Stage::Waiting};
+        job = {nextCheck_++, Work::Check};
         return true;
     }
 
@@ -160,7 +165,7 @@ private:
     {
         for (std::size_t r = writing_; r < slots_.size() && within(r); ++r)
             if (slots_[r].stage == Stage::Checked) {
-                job = {r, Stage::Checked};
+                job = {r, Work::Evaluate};
                 return true;
             }
         return false;
@@ -170,10 +175,10 @@ private:
     void run(const Job& job, QGebDb& geb, std::unique_lock<std::mutex>& lock)
     {
         Slot& slot = slots_[job.row];
-        slot.stage = job.stage == Stage::Waiting ? Stage::Checking : Stage::Evaluating;
+        slot.stage = job.work == Work::Check ? Stage::Checking : Stage::Evaluating;
         lock.unlock();
         std::unique_ptr<OrderSource> checked;
-        if (job.stage == Stage::Waiting)
+        if (job.work == Work::Check)
             checked = checkOrderSource(files_[job.row], quarn_);
         else
             evaluateAfresh(*slot.source, settings_, geb);
