@@ -350,7 +350,7 @@ void sortByNumber(std::vector<Proposal>& proposals)
 
 std::vector<Proposal> makeProposals(Database& result)
 {
-    indexIstNumbers(result);
+    indexNumbers(result);
     const CheckedRooms rooms(result);
     std::vector<Proposal> klaeren = clarify(result, rooms);
     std::set<std::string> taken;

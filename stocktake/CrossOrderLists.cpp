@@ -2,15 +2,17 @@
 
 #include "Categories.h"
 #include "Database.h"
+#include "NumberSightings.h"
 #include "ProjectResultSchema.h"
 
 namespace qi {
 
 namespace {
 
-// Every text column of the project result compares as Jet does; where a value passes
-// through a subquery or a window, the comparison is named again so that it never falls
-// back to comparing bytes.
+// The lists read the rows of P_Diff and P_Scan that NumberSightings gathered into temp.Diff
+// and temp.Scan, with their rowids. Every text column of the project result compares as Jet
+// does; where a value passes through a subquery or a window, the comparison is named again so
+// that it never falls back to comparing bytes.
 
 // A missing object ("3b") of one order whose number another order scanned in a room other
 // than the one the object belongs in: one row per such scan.
@@ -19,7 +21,7 @@ constexpr const char* kVerschoben =
     "stRaumIst, Datum, Uhrzeit, stZeit) "
     "SELECT d.stSollInvNR, d.stBeschreibung, d.stArtNr, d.stAuftrag, d.stRaumNr, s.stAuftrag, s.stRaum, "
     "s.Datum, s.Uhrzeit, s.stZeit "
-    "FROM P_Diff AS d INNER JOIN P_Scan AS s ON s.stInvNr = d.stSollInvNR "
+    "FROM temp.Diff AS d INNER JOIN temp.Scan AS s ON s.stInvNr = d.stSollInvNR "
     "WHERE d.stTyp = ?1 AND s.stAuftrag <> d.stAuftrag AND s.stRaum <> d.stRaumNr "
     "ORDER BY d.stSollInvNR, d.stAuftrag, d.stRaumNr, s.stZeit, s.stAuftrag, s.stRaum";
 
@@ -30,8 +32,8 @@ constexpr const char* kDoppelt =
     " SELECT s.stInvNr, s.stAuftrag, s.stRaum, s.Datum, s.Uhrzeit, s.stZeit, s.stDatei, n.k,"
     "  ROW_NUMBER() OVER (PARTITION BY s.stInvNr COLLATE JET ORDER BY s.stZeit COLLATE JET DESC,"
     "   s.stAuftrag COLLATE JET, s.stRaum COLLATE JET, s.stDatei COLLATE JET, s.rowid) AS rang"
-    " FROM P_Scan AS s INNER JOIN ("
-    "  SELECT stInvNr, COUNT(DISTINCT stAuftrag) AS k FROM P_Scan GROUP BY stInvNr"
+    " FROM temp.Scan AS s INNER JOIN ("
+    "  SELECT stInvNr, COUNT(DISTINCT stAuftrag) AS k FROM temp.Scan GROUP BY stInvNr"
     "  HAVING COUNT(DISTINCT stAuftrag) > 1) AS n ON s.stInvNr = n.stInvNr) "
     "ORDER BY stInvNr COLLATE JET, rang";
 
@@ -39,7 +41,7 @@ constexpr const char* kDoppelt =
 constexpr const char* kZuviel =
     "INSERT INTO L_Zuviel (stAuftrag, stRaum, stInvNr, stArtNr, stQuarn, Datum, Uhrzeit, stZeit) "
     "SELECT d.stAuftrag, d.stRaumNr, d.stIstInvNR, d.stArtNr, d.stQuarn, d.Datum, d.Uhrzeit, d.stZeit "
-    "FROM P_Diff AS d WHERE d.stTyp = ?1 AND NOT EXISTS (SELECT 1 FROM P_Diff AS o "
+    "FROM temp.Diff AS d WHERE d.stTyp = ?1 AND NOT EXISTS (SELECT 1 FROM temp.Diff AS o "
     " WHERE o.stSollInvNR = d.stIstInvNR AND o.stSollInvNR <> '' AND o.stAuftrag <> d.stAuftrag) "
     "ORDER BY d.stAuftrag, d.stRaumNr, d.stIstInvNR";
 
@@ -48,13 +50,13 @@ constexpr const char* kZuviel =
 // article, room and date, the orders in name order and the number of scans.
 constexpr const char* kUnbekannt =
     "INSERT INTO L_Unbekannt (stInvNr, stArtNr, stAuftraege, stRaum, iScans, Datum, stZeit) "
-    "WITH u AS (SELECT DISTINCT stIstInvNR AS nr FROM P_Diff WHERE stTyp = ?1),"
+    "WITH u AS (SELECT DISTINCT stIstInvNR AS nr FROM temp.Diff WHERE stTyp = ?1),"
     " seen AS ("
     "  SELECT s.stInvNr AS nr, s.stAuftrag, s.stRaum, s.stArtNr, s.Datum, s.stZeit, s.rowid AS pos"
-    "  FROM P_Scan AS s WHERE s.stInvNr IN (SELECT nr FROM u)"
+    "  FROM temp.Scan AS s WHERE s.stInvNr IN (SELECT nr FROM u)"
     "  UNION ALL"
-    "  SELECT d.stIstInvNR, d.stAuftrag, d.stRaumNr, d.stArtNr, d.Datum, d.stZeit, -d.rowid FROM P_Diff AS d"
-    "  WHERE d.stTyp = ?1 AND NOT EXISTS (SELECT 1 FROM P_Scan AS s WHERE s.stInvNr = d.stIstInvNR)),"
+    "  SELECT d.stIstInvNR, d.stAuftrag, d.stRaumNr, d.stArtNr, d.Datum, d.stZeit, -d.rowid FROM temp.Diff AS d"
+    "  WHERE d.stTyp = ?1 AND NOT EXISTS (SELECT 1 FROM temp.Scan AS s WHERE s.stInvNr = d.stIstInvNR)),"
     " firstOfOrder AS (SELECT nr, stAuftrag, stRaum, stArtNr, Datum, stZeit, pos,"
     "  ROW_NUMBER() OVER (PARTITION BY nr COLLATE JET, stAuftrag COLLATE JET) AS ra FROM seen),"
     " ranked AS (SELECT nr, stAuftrag, stRaum, stArtNr, Datum, stZeit,"
@@ -73,7 +75,8 @@ constexpr const char* kFehlend =
     " SELECT d.stSollInvNR AS nr, d.stBeschreibung, d.stArtNr, d.stAuftrag, d.stRaumNr,"
     "  ROW_NUMBER() OVER (PARTITION BY d.stSollInvNR COLLATE JET ORDER BY d.stAuftrag COLLATE JET,"
     "   d.stRaumNr COLLATE JET, d.rowid) AS r"
-    " FROM P_Diff AS d WHERE d.stTyp = ?1 AND NOT EXISTS (SELECT 1 FROM P_Scan AS s WHERE s.stInvNr = d.stSollInvNR)) "
+    " FROM temp.Diff AS d WHERE d.stTyp = ?1"
+    "  AND NOT EXISTS (SELECT 1 FROM temp.Scan AS s WHERE s.stInvNr = d.stSollInvNR)) "
     "WHERE r = 1 ORDER BY stAuftrag COLLATE JET, stRaumNr COLLATE JET, nr COLLATE JET";
 
 // The rooms of the building structure, for the time of one call.
@@ -109,19 +112,30 @@ constexpr const char* kUeberschneidung =
     " ON g.lIdRB = x.lIdRB "
     "WHERE x.r = 1 AND x.k > 1 ORDER BY x.stRaumNr COLLATE JET, x.lIdRB";
 
+constexpr const char* kListRowsDrop = "DROP TABLE temp.Diff; DROP TABLE temp.Scan;";
+
 } // namespace
 
-void makeCrossOrderLists(Database& result)
+void makeCrossOrderLists(Database& result, const NumberSightings& sightings)
 {
     Database::Transaction tx(result);
     for (const char* table : {"L_Verschoben", "L_Doppelt", "L_Zuviel", "L_Unbekannt", "L_Fehlend"})
         result.execute(std::string("DELETE FROM ") + table);
+    sightings.writeListRows(result);
     result.execute(kVerschoben, {category::k3b});
     result.execute(kDoppelt);
     result.execute(kZuviel, {category::k2b});
     result.execute(kUnbekannt, {category::k2c});
     result.execute(kFehlend, {category::k3b});
+    result.executeScript(kListRowsDrop);
     tx.commit();
+}
+
+void makeCrossOrderLists(Database& result)
+{
+    NumberSightings sightings;
+    sightings.noteAll(result);
+    makeCrossOrderLists(result, sightings);
 }
 
 void makeCoverageLists(Database& result, const std::vector<ExpectedRoom>& allRooms)

@@ -1,7 +1,7 @@
 #pragma once
 // The lists across orders of the project result (ProjectResultSchema.h), made from its
-// order tables P_Auftrag, P_Raum, P_Scan and P_Diff by set-based statements; numbers and
-// rooms compare as the order databases compare them.
+// order tables P_Auftrag, P_Raum, P_Scan and P_Diff by set-based statements over the rows
+// they need (NumberSightings.h); numbers and rooms compare as the order databases compare them.
 
 #include <string>
 #include <vector>
@@ -9,9 +9,13 @@
 namespace qi {
 
 class Database;
+class NumberSightings;
 struct GebRoom;
 
-/// Fills L_Verschoben, L_Doppelt, L_Zuviel, L_Unbekannt and L_Fehlend.
+/// Fills L_Verschoben, L_Doppelt, L_Zuviel, L_Unbekannt and L_Fehlend from the rows of P_Scan
+/// and P_Diff that `sightings` noted.
+void makeCrossOrderLists(Database& result, const NumberSightings& sightings);
+/// The same, with the rows of P_Scan and P_Diff noted first.
 void makeCrossOrderLists(Database& result);
 
 /// A room of the building structure with the number of objects Quarn expects in it.

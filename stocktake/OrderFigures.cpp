@@ -4,10 +4,12 @@
 #include "Database.h"
 #include "FileSystem.h"
 #include "JetCollation.h"
+#include "NumberSightings.h"
 #include "QuarnRooms.h"
 #include "ScanTime.h"
 
 #include <map>
+#include <stdexcept>
 
 #include <sqlite3.h>
 
@@ -34,11 +36,13 @@ constexpr const char* kCopyList =
     "qi_scan_time(coalesce(d.Datum, ''), coalesce(d.Uhrzeit, '')) "
     "FROM auftrag.T_Differenzliste AS d LEFT JOIN auftrag.T_Raum AS r ON r.lID = d.lRaumID ORDER BY d.lID";
 // The scans just copied, with their room number and time (the numbers that compare equal are
-// joined below), and the rows of the list with their room, type and whether they have a Soll number.
+// joined below) and number, and the rows of the list in the order they were copied, with their
+// room, type and numbers.
 constexpr const char* kLastScan = "SELECT coalesce(max(rowid), 0) FROM P_Scan";
-constexpr const char* kCopiedScans = "SELECT stRaum, stZeit FROM P_Scan WHERE rowid > ?1";
-constexpr const char* kListRows = "SELECT lRaumID, coalesce(stTyp, ''), length(coalesce(stSollInvNR, '')) > 0 "
-                                  "FROM auftrag.T_Differenzliste";
+constexpr const char* kCopiedScans = "SELECT stRaum, stZeit, rowid, stInvNr FROM P_Scan WHERE rowid > ?1";
+constexpr const char* kLastListRow = "SELECT coalesce(max(rowid), 0) FROM P_Diff";
+constexpr const char* kListRows = "SELECT lRaumID, coalesce(stTyp, ''), coalesce(stSollInvNR, ''), "
+                                  "coalesce(stIstInvNR, '') FROM auftrag.T_Differenzliste ORDER BY lID";
 constexpr const char* kFiles = "SELECT COUNT(*) FROM T_Dateien";
 constexpr const char* kFilePaths = "SELECT coalesce(stPfad, '') FROM T_Dateien ORDER BY lID";
 constexpr const char* kRoomsN = "SELECT COUNT(*) FROM T_Raum WHERE ststatus = 'N'";
@@ -109,9 +113,12 @@ void scanTimeOfSql(sqlite3_context* context, int, sqlite3_value** args)
 {
     const auto text = [](sqlite3_value* v) {
         const unsigned char* t = sqlite3_value_text(v);
-        return t ? std::string(reinterpret_cast<const char*>(t), std::size_t(sqlite3_value_bytes(v))) : std::string();
+        return t ? std::string_view(reinterpret_cast<const char*>(t), std::size_t(sqlite3_value_bytes(v)))
+                 : std::string_view();
     };
-    const std::string zeit = scanTime(text(args[0]), text(args[1]));
+    // Called once per row copied: the text is made in a buffer of the thread.
+    thread_local std::string zeit;
+    scanTime(text(args[0]), text(args[1]), zeit);
     sqlite3_result_text(context, zeit.data(), int(zeit.size()), SQLITE_TRANSIENT);
 }
 
@@ -136,7 +143,8 @@ AttachedOrder::~AttachedOrder()
     }
 }
 
-void writeOrderFigures(Database& result, const AttachedOrder& attached, const OrderHeader& h, const QuarnRooms& quarn)
+void writeOrderFigures(Database& result, const AttachedOrder& attached, const OrderHeader& h, const QuarnRooms& quarn,
+                       NumberSightings& sightings)
 {
     Database& order = attached.order();
     Figures f;
@@ -161,6 +169,7 @@ void writeOrderFigures(Database& result, const AttachedOrder& attached, const Or
             if (room->last < zeit)
                 room->last = std::string(zeit);
             ++f.scans;
+            sightings.noteScan(scans.columnInt(2), scans.columnText(3), h.stAuftrag);
         }
         scans.reset();
         for (const auto& [nr, scanned] : perRoom)
@@ -168,21 +177,25 @@ void writeOrderFigures(Database& result, const AttachedOrder& attached, const Or
                 f.letzterScan = scanned.last;
     }
 
-    // The difference list, with the "1 OK" rows per room.
-    result.execute(kCopyList, {h.stAuftrag});
+    // The difference list, with the "1 OK" rows per room. Its rows were copied in the order they
+    // are read here, each with the next rowid.
+    const std::int64_t firstListRow = toLong(result.scalar(kLastListRow)) + 1;
+    const std::int64_t copied = result.execute(kCopyList, {h.stAuftrag});
     std::map<std::int64_t, std::int64_t> okPerRoom;
     {
         Statement& rows = result.prepare(kListRows);
         rows.bindAll({});
         std::string typ;
         int c = categoryOf(typ);
+        std::int64_t rowid = firstListRow;
         while (rows.step()) {
             // The rows of a type mostly follow each other.
             if (rows.columnText(1) != typ) {
                 typ = std::string(rows.columnText(1));
                 c = categoryOf(typ);
             }
-            f.soll += rows.columnInt(2);
+            f.soll += rows.columnText(2).empty() ? 0 : 1;
+            sightings.noteListRow(rowid++, typ, rows.columnText(2), rows.columnText(3));
             if (c >= 0)
                 ++f.category[c];
             if (c == 0) {
@@ -191,6 +204,8 @@ void writeOrderFigures(Database& result, const AttachedOrder& attached, const Or
             }
         }
         rows.reset();
+        if (rowid != firstListRow + copied)
+            throw std::logic_error("the difference list was not copied row by row");
     }
 
     // The rooms.

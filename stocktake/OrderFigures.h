@@ -9,6 +9,7 @@
 namespace qi {
 
 class Database;
+class NumberSightings;
 class QuarnRooms;
 
 /// What the register and the overview say of an order, beside what its database holds.
@@ -38,10 +39,11 @@ private:
 };
 
 /// Writes the order's rows into the result database `result`: its figures from `order` (only
-/// read) and Quarn's objects of its rooms. Counts per category as `qinventur-cli auswerten`
-/// counts them. DbError when the order can't be read.
+/// read) and Quarn's objects of its rooms, and notes its scans and difference rows in
+/// `sightings`. Counts per category as `qinventur-cli auswerten` counts them. DbError when the
+/// order can't be read.
 void writeOrderFigures(Database& result, const AttachedOrder& order, const OrderHeader& header,
-                       const QuarnRooms& quarn);
+                       const QuarnRooms& quarn, NumberSightings& sightings);
 
 /// Writes the P_Auftrag row of an order whose database gives no figures (it is missing or can't
 /// be read): every count 0.

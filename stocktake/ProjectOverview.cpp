@@ -7,6 +7,7 @@
 #include "FileSystem.h"
 #include "JetCollation.h"
 #include "KeptOrders.h"
+#include "NumberSightings.h"
 #include "OrderFigures.h"
 #include "OrderSource.h"
 #include "Orders.h"
@@ -235,6 +236,10 @@ public:
     {
     }
 
+    /// Where the numbers of the rows written so far occur. Rows of an order whose writing was
+    /// undone may be noted too: the lists take a row only for what the table holds.
+    const NumberSightings& sightings() const { return sightings_; }
+
     /// Writes the rows of `rec`, from `source` (null where the row's file is not read).
     void read(const CAuftragRec& rec, std::unique_ptr<OrderSource> source)
     {
@@ -305,7 +310,7 @@ private:
             hint(result_, h.stAuftrag, kHinweisNichtLesbar, hinweis::nichtLesbar(h.stAuftrag, source.failure),
                  h.stDatei);
         }
-        writeOrderFigures(result_, figures, h, quarn_);
+        writeOrderFigures(result_, figures, h, quarn_, sightings_);
 
         if (const std::int64_t n = roomsWithoutScans(data); n > 0)
             hint(result_, h.stAuftrag, kHinweisRaeumeN, hinweis::raeumeN(h.stAuftrag, int(n)), h.stDatei);
@@ -316,6 +321,7 @@ private:
     Database& result_;
     const Settings& settings_;
     const QuarnRooms& quarn_;
+    NumberSightings sightings_;
 };
 
 /// The kept copies in "Inventur\Gesichert" and the order databases in "Inventur" that no row names.
@@ -393,7 +399,7 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
         for (const auto& index : indexes.rows())
             result->execute(toText(index[1]));
         folderHints(*result, settings, orders);
-        makeCrossOrderLists(*result);
+        makeCrossOrderLists(*result, reading.sightings());
         tx.commit();
     }
     fillArticleNames(*result, gebDb, settings.tablePrefix());

@@ -47,9 +47,11 @@ constexpr std::array<std::pair<const char*, const char*>, 8> kLists{{
 
 } // namespace
 
-void indexIstNumbers(Database& db)
+void indexNumbers(Database& db)
 {
-    db.execute("CREATE INDEX IF NOT EXISTS P_Diff_stIstInvNR ON P_Diff (stIstInvNR)");
+    db.executeScript("CREATE INDEX IF NOT EXISTS P_Scan_stInvNr ON P_Scan (stInvNr);\n"
+                     "CREATE INDEX IF NOT EXISTS P_Diff_stSollInvNR ON P_Diff (stSollInvNR);\n"
+                     "CREATE INDEX IF NOT EXISTS P_Diff_stIstInvNR ON P_Diff (stIstInvNR);\n");
 }
 
 void createProjectResultSchema(Database& db)
@@ -64,12 +66,8 @@ void createProjectResultSchema(Database& db)
         "CREATE INDEX P_Raum_stRaumNr ON P_Raum (stRaumNr);\n"
         "CREATE INDEX P_Raum_lIdRB ON P_Raum (lIdRB);\n" +
         table("P_Scan", {"stAuftrag", "stInvNr", "stRaum", "stArtNr", "Datum", "Uhrzeit", "stZeit", "stDatei"}) +
-        // The order with the number: the numbers scanned in several orders are found in the index alone.
-        "CREATE INDEX P_Scan_stInvNr ON P_Scan (stInvNr, stAuftrag);\n" +
         table("P_Diff", {"stAuftrag", "stRaumNr", "stSollInvNR", "stIstInvNR", "stTyp", "stBeschreibung",
                          "stArtNr", "stZiel", "stQuelle", "stQuarn", "Datum", "Uhrzeit", "stZeit"}) +
-        "CREATE INDEX P_Diff_stSollInvNR ON P_Diff (stSollInvNR);\n"
-        "CREATE INDEX P_Diff_stTyp ON P_Diff (stTyp);\n" +
         table("L_Verschoben", {"stInvNr", "stBeschreibung", "stArtNr", "stAuftragSoll", "stRaumSoll",
                                "stAuftragIst", "stRaumIst", "Datum", "Uhrzeit", "stZeit"}) +
         table("L_Doppelt",

@@ -87,9 +87,9 @@ inline constexpr const char* kNichtGeprueft = "nicht geprüft";
 /// Creates the tables above in an empty database.
 void createProjectResultSchema(Database& db);
 
-/// Indexes P_Diff by its Ist numbers, once: only the correction proposals look rows up by them,
-/// so the overview does not make the index for every result.
-void indexIstNumbers(Database& db);
+/// Indexes P_Scan and P_Diff by their numbers, once: only the correction proposals look rows up
+/// by number, so the overview does not make the indexes for every result.
+void indexNumbers(Database& db);
 
 /// The table of a list by its command-line name ("verschoben" → "L_Verschoben"); empty when unknown.
 std::string listTable(const std::string& listName);
