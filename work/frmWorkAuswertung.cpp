@@ -65,11 +65,14 @@ constexpr JetSql kNichtInQuarn{
 // the Soll number, then by the scanned number, which wins where both match. Only rows with
 // a matching object (variant 0) are written; Quarn keeps an inventory number once.
 // The list's rows look their objects up by number ("+" keeps the list's own index out of the
-// join): an order is a few rooms of a building whose objects are many.
+// join): an order is a few rooms of a building whose objects are many. A row whose scanned
+// number is its Soll number gets its remark from the second statement alone, which writes the
+// same object's remark over it.
 constexpr JetSql kBemerkungSoll{
     R"jet(UPDATE t_Differenzliste LEFT JOIN T_IObjekt ON t_Differenzliste.stSollInvNR = T_IObjekt.stName SET t_Differenzliste.stObjBemerkung = [T_IObjekt]![stBemerkung] WHERE (((T_IObjekt.iVariante)=0)))jet",
     "UPDATE t_Differenzliste SET stObjBemerkung = o.stBemerkung FROM T_IObjekt AS o "
-    "WHERE o.stName = +t_Differenzliste.stSollInvNR AND o.iVariante = 0"};
+    "WHERE o.stName = +t_Differenzliste.stSollInvNR AND o.iVariante = 0"
+    " AND coalesce(t_Differenzliste.stSollInvNR = t_Differenzliste.stIstInvNR, 0) = 0"};
 constexpr JetSql kBemerkungIst{
     R"jet(UPDATE t_Differenzliste LEFT JOIN T_IObjekt ON t_Differenzliste.stIstInvNR = T_IObjekt.stName SET t_Differenzliste.stObjBemerkung = [T_IObjekt]![stBemerkung] WHERE (((T_IObjekt.iVariante)=0)))jet",
     "UPDATE t_Differenzliste SET stObjBemerkung = o.stBemerkung FROM T_IObjekt AS o "

@@ -169,6 +169,29 @@ TEST_P(EvaluationRun, UnknownScanIs2cAndAScanKnownElsewhereKeepsItsCategoryWithT
     }
 }
 
+TEST_P(EvaluationRun, EachRowCarriesTheRemarkOfTheObjectOfItsScannedNumberElseOfItsSollNumber)
+{
+    {
+        const auto objects = Database::open(project + "/QOvInventar.mdb");
+        objects->execute("UPDATE T_IObjekt SET stBemerkung = 'Bemerkung 2' WHERE stName = 'INV-002'");
+        objects->execute("UPDATE T_IObjekt SET stBemerkung = 'Bemerkung 5' WHERE stName = 'INV-005'");
+    }
+    importAll();
+    ASSERT_TRUE(w->ReportDifferenzListe());
+    std::map<std::string, std::string> remarks;
+    for (const EvalRow& r : rows())
+        remarks[r.typ.substr(0, r.typ.find(' ')) + " " + r.soll + "/" + r.ist] = r.bemerkung;
+    EXPECT_EQ(remarks["1 INV-001/INV-001"], "Kratzer");
+    // Moved within the order: the missing row by its Soll number, the surplus row by its scan.
+    EXPECT_EQ(remarks["3a INV-002/"], "Bemerkung 2");
+    EXPECT_EQ(remarks["2a /INV-002"], "Bemerkung 2");
+    // Expected and not scanned.
+    EXPECT_EQ(remarks["3b INV-005/"], "Bemerkung 5");
+    // Scanned, belonging elsewhere; and unknown to Quarn.
+    EXPECT_EQ(remarks["2b /INV-004"], "Leihgabe");
+    EXPECT_EQ(remarks["2c /UNBEKANNT-1"], "");
+}
+
 TEST_P(EvaluationRun, RunningTwiceGivesTheSameList)
 {
     importAll();
