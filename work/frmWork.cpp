@@ -5,6 +5,7 @@
 #include "Categories.h"
 #include "DbError.h"
 #include "FileSystem.h"
+#include "JetCollation.h"
 #include "ProjectAccess.h"
 #include "QuarnHost.h"
 #include "RunCache.h"
@@ -12,8 +13,10 @@
 #include "TextFile.h"
 #include "bGeneral.h"
 
+#include <limits>
 #include <optional>
 #include <stdexcept>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace qi {
@@ -178,11 +181,18 @@ bool frmWork::RaeumeVorhanden()
 
 // ---------------------------------------------------------------- import
 
+namespace {
+/// The lines of a file, or all lines, without their numbers.
+constexpr const char* kUnnumberLinesOfFile = "UPDATE T_DatInventur SET iReihenfolge = 0 WHERE lDatID = ?1";
+constexpr const char* kUnnumberLines = "UPDATE T_DatInventur SET iReihenfolge = 0";
+} // namespace
+
 bool frmWork::GetDataFromDat()
 {
     // One transaction for the whole file; what was stored before an error is kept all the same.
     std::optional<KeptTransaction> tx;
     importError_ = 0;
+    importOverflow_ = false;
     try {
         ensureHost();
         // The first lookups of a file may read all of Quarn's objects into memory.
@@ -196,6 +206,12 @@ bool frmWork::GetDataFromDat()
         CDatInventurRec rec;
         ScanRecord r;
         std::int64_t nextReport = kProgressStep;
+        // The lines are numbered per room as they are written, from 1 in the order of the file,
+        // so that numbering the rooms afterwards finds a new room in order. A room that had lines
+        // before, or that a conflict changes, is found out of order and numbered there anew. A
+        // room of more lines than the 16-bit counter reaches leaves the whole file unnumbered
+        // (DatEinlesen), for the numbering to stop at that room as it does.
+        std::unordered_map<std::string, std::int16_t> linesOfRoom;
         while (file.next(r)) {
             if (file.linesRead() >= nextReport) {
                 ui_.reportProgress(fileName, file.linesRead());
@@ -219,9 +235,16 @@ bool frmWork::GetDataFromDat()
                 rec.stArtName = host->stArtName;
             }
             rec.lDatID = f_lDatId;
+            std::int16_t& lines = linesOfRoom[jetFoldKey(rec.stRaum)];
+            // Past the 16-bit counter the line stays unnumbered, for the numbering to overflow on.
+            const bool countable = lines < std::numeric_limits<std::int16_t>::max();
+            importOverflow_ = importOverflow_ || !countable;
+            rec.iReihenfolge = countable ? std::int16_t(lines + 1) : std::int16_t{0};
 
             bool duplicate = false;
             check(f_DBAuftrag.AddNewDatInventurRec(&rec, duplicate), f_DBAuftrag);
+            if (!duplicate && countable)
+                ++lines;
             if (duplicate) {
                 CDatInventurRec stored;
                 check(f_DBAuftrag.GetDatInventurByInvNr(&rec, stored), f_DBAuftrag);
@@ -266,8 +289,11 @@ bool frmWork::DatEinlesen()
 {
     const bool ok = GetDataFromDat();
     // After a failure of the disk the import is gone as a whole; there is nothing to number.
-    if (!storageFailed())
+    if (!storageFailed()) {
+        if (importOverflow_)
+            f_DBAuftrag.database()->execute(kUnnumberLinesOfFile, {std::int64_t{f_lDatId}});
         f_DBAuftrag.WriteReihenfolgeDatInventur();
+    }
     return ok;
 }
 
@@ -481,6 +507,9 @@ FileListResult frmWork::pbNeu_Click()
         ProgressScope progress(*this, kProgressTitle);
         bool conflict = false;
         bool ok = true;
+        // Lines are read in numbered unless a room overflowed the counter; then none is, as
+        // numbering them all at the end stops at that room.
+        bool overflow = false;
         CDateienRec* datei = nullptr;
         f_collDateien.ResetIndex();
         while (f_collDateien.GetNext(datei)) {
@@ -500,6 +529,7 @@ FileListResult frmWork::pbNeu_Click()
                 break;
             }
             ok = GetDataFromDat() && ok;
+            overflow = overflow || importOverflow_;
             if (storageFailed())
                 break;
         }
@@ -520,6 +550,8 @@ FileListResult frmWork::pbNeu_Click()
             return FileListResult::RoomsAlreadyRead;
         }
 
+        if (overflow)
+            f_DBAuftrag.database()->execute(kUnnumberLines);
         ok = f_DBAuftrag.WriteReihenfolgeDatInventur() && ok;
         const bool statusSet = !storageFailed() && f_DBAuftrag.SetStatusRoomsByDB();
         if (statusSet) {

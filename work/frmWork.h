@@ -186,6 +186,9 @@ private:
     int progressDepth_ = 0;
     /// The engine's number of the error that stopped the last GetDataFromDat; 0 when it read to the end.
     int importError_ = 0;
+    /// True when a room of the file last read had more lines than the 16-bit counter reaches:
+    /// its lines are numbered afresh from none (DatEinlesen, pbNeu_Click).
+    bool importOverflow_ = false;
     friend class ProgressScope;
 };
 

@@ -3,6 +3,8 @@
 
 #include "WorkFixture.h"
 
+#include <map>
+
 #include "FileSystem.h"
 
 #include <filesystem>
@@ -282,6 +284,29 @@ TEST_F(FileListTest, RebuildReadsAllFilesAgain)
     EXPECT_EQ(room("1").iAnzahl, 2);
     EXPECT_EQ(ui.progressDepth, 0);
     EXPECT_FALSE(ui.busy);
+}
+
+TEST_F(FileListTest, ARebuildWithARoomOfMoreLinesThanTheCounterReachesNumbersTheRoomsBeforeItOnly)
+{
+    addFile(datFile("a.dat", {scanLine("3", "C1")}));
+    std::vector<std::string> lines{scanLine("1", "A1")};
+    for (int i = 1; i <= 32768; ++i)
+        lines.push_back(scanLine("2", "N" + std::to_string(i)));
+    addFile(datFile("b.dat", lines));
+    ui.messages.clear();
+    w.pbNeu_Click();
+    // The numbering overflows, and so does the count of the room's lines.
+    ASSERT_EQ(ui.messages.size(), 2u);
+    EXPECT_EQ(ui.messages[0].text, "Überlauf");
+    EXPECT_EQ(ui.messages[1].text, "Numerischer Feldüberlauf.");
+    std::map<std::string, std::int16_t> number;
+    for (const CDatInventurRec& s : scans())
+        number[s.stInvNr] = s.iReihenfolge;
+    EXPECT_EQ(number["A1"], 1);
+    EXPECT_EQ(number["N32767"], 32767);
+    EXPECT_EQ(number["N32768"], 0);
+    // Read anew, the room after the overflowing one stays unnumbered, whichever file it came from.
+    EXPECT_EQ(number["C1"], 0);
 }
 
 TEST_F(FileListTest, FileMovedAwayBlocksTheRebuild)

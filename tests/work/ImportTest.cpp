@@ -14,6 +14,8 @@
 #include <QRadioButton>
 #include <QTimer>
 
+#include <algorithm>
+#include <map>
 #include <random>
 
 namespace qi::test {
@@ -412,6 +414,65 @@ TEST_F(ImportTest, DatEinlesenNumbersTheLinesOfEachRoom)
     EXPECT_EQ(s[0].iReihenfolge, 1);
     EXPECT_EQ(s[1].iReihenfolge, 1);
     EXPECT_EQ(s[2].iReihenfolge, 2);
+}
+
+TEST_F(ImportTest, LinesAreNumberedPerRoomInStorageOrderAfterEarlierFilesRefusedLinesAndConflicts)
+{
+    const auto read = [&](const std::string& name, const std::vector<std::string>& lines) {
+        CDateienRec d;
+        d.stName = name;
+        ASSERT_TRUE(db.AddNewDateienRec(&d));
+        w.f_lDatId = d.lID;
+        w.f_stfilename = datFile(name, lines);
+        EXPECT_TRUE(w.DatEinlesen());
+    };
+    read("a.dat", {scanLine("1", "A1"), scanLine("2", "B1"), scanLine("1", "A2"), scanLine("1", "A3")});
+    // Room 1 again (as reading all files anew does), A1 once more in its room (refused with a
+    // warning), and A2 taken into room 3 by the conflict dialog: it keeps its earlier key.
+    ui.conflictAnswers.push_back(true);
+    read("b.dat", {scanLine("3", "C1"), scanLine("1", "A4"), scanLine("1", "A1"), scanLine("3", "A2"),
+                   scanLine("3", "C2")});
+
+    std::map<std::string, std::vector<CDatInventurRec>> byRoom;
+    for (const CDatInventurRec& s : scans())
+        byRoom[s.stRaum].push_back(s);
+    std::map<std::string, std::vector<std::string>> numbered;
+    for (auto& [room, lines] : byRoom) {
+        std::sort(lines.begin(), lines.end(), [](const auto& x, const auto& y) { return x.lID < y.lID; });
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            EXPECT_EQ(lines[i].iReihenfolge, std::int16_t(i + 1)) << room << " " << lines[i].stInvNr;
+            numbered[room].push_back(lines[i].stInvNr);
+        }
+    }
+    EXPECT_EQ(numbered, (std::map<std::string, std::vector<std::string>>{
+                            {"1", {"A1", "A3", "A4"}}, {"2", {"B1"}}, {"3", {"A2", "C1", "C2"}}}));
+}
+
+TEST_F(ImportTest, ARoomOfMoreLinesThanTheCounterReachesStopsTheNumberingThere)
+{
+    std::vector<std::string> lines{scanLine("A", "A1"), scanLine("A", "A2")};
+    for (int i = 1; i <= 32768; ++i)
+        lines.push_back(scanLine("B", "N" + std::to_string(i)));
+    lines.push_back(scanLine("C", "C1"));
+    CDateienRec d;
+    d.stName = "voll.dat";
+    ASSERT_TRUE(db.AddNewDateienRec(&d));
+    w.f_lDatId = d.lID;
+    w.f_stfilename = datFile("voll.dat", lines);
+    EXPECT_TRUE(w.DatEinlesen());
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].text, "Überlauf");
+    // The room before is numbered, the overflowing room up to the last number that fits, and
+    // the room after it stays unnumbered.
+    std::map<std::string, std::int16_t> number;
+    for (const CDatInventurRec& s : scans())
+        number[s.stInvNr] = s.iReihenfolge;
+    EXPECT_EQ(number["A1"], 1);
+    EXPECT_EQ(number["A2"], 2);
+    EXPECT_EQ(number["N1"], 1);
+    EXPECT_EQ(number["N32767"], 32767);
+    EXPECT_EQ(number["N32768"], 0);
+    EXPECT_EQ(number["C1"], 0);
 }
 
 TEST_F(ImportTest, LargeFileReportsProgress)
