@@ -64,6 +64,20 @@ protected:
                     {auftrag, lIdRB, nr, bezeichnung});
     }
 
+    // A move, a number of two orders, surplus, unknown and missing numbers: a row in every list.
+    void rowsOfEveryList()
+    {
+        soll("Nord", "101", "I100", category::k3b, "Stuhl", "A1");
+        scan("Süd", "I100", "201", "A1", "21.11.2026", "10:15:00");
+        ist("Süd", "201", "I100", category::k2b, "A1", "101", "21.11.2026", "10:15:00");
+        scan("Nord", "X1", "101", "A9", "21.11.2026", "10:00:00");
+        ist("Nord", "101", "X1", category::k2c, "A9", "", "21.11.2026", "10:00:00");
+        scan("Süd", "X1", "201", "A9", "21.11.2026", "11:00:00");
+        ist("Süd", "201", "X1", category::k2c, "A9", "", "21.11.2026", "11:00:00");
+        soll("West", "301", "M2", category::k3b, "Tisch", "A2");
+        ist("West", "301", "I050", category::k2b, "A0", "777", "21.11.2026", "08:20:00");
+    }
+
     // Every column of every row of a table, in the order of its rows.
     Rows rows(const std::string& table)
     {
@@ -226,15 +240,7 @@ TEST_F(CrossOrderListsTest, AMissingNumberThatNoOrderScannedIsListedOnce)
 
 TEST_F(CrossOrderListsTest, MakingTheListsAgainGivesTheSameRows)
 {
-    soll("Nord", "101", "I100", category::k3b, "Stuhl", "A1");
-    scan("Süd", "I100", "201", "A1", "21.11.2026", "10:15:00");
-    ist("Süd", "201", "I100", category::k2b, "A1", "101", "21.11.2026", "10:15:00");
-    scan("Nord", "X1", "101", "A9", "21.11.2026", "10:00:00");
-    ist("Nord", "101", "X1", category::k2c, "A9", "", "21.11.2026", "10:00:00");
-    scan("Süd", "X1", "201", "A9", "21.11.2026", "11:00:00");
-    ist("Süd", "201", "X1", category::k2c, "A9", "", "21.11.2026", "11:00:00");
-    soll("West", "301", "M2", category::k3b, "Tisch", "A2");
-    ist("West", "301", "I050", category::k2b, "A0", "777", "21.11.2026", "08:20:00");
+    rowsOfEveryList();
 
     makeCrossOrderLists(*db);
     const std::vector<std::string> tables{"L_Verschoben", "L_Doppelt", "L_Zuviel", "L_Unbekannt", "L_Fehlend"};
@@ -250,15 +256,10 @@ TEST_F(CrossOrderListsTest, MakingTheListsAgainGivesTheSameRows)
 
 TEST_F(CrossOrderListsTest, RowsNotedOfAWriteThatWasUndoneChangeNoList)
 {
-    soll("Nord", "101", "I100", category::k3b, "Stuhl", "A1");
-    scan("Süd", "i100 ", "201", "A1", "21.11.2026", "10:15:00");
-    ist("Süd", "201", "i100 ", category::k2b, "A1", "101", "21.11.2026", "10:15:00");
-    scan("Nord", "X1", "101", "A9", "21.11.2026", "10:00:00");
-    ist("Nord", "101", "X1", category::k2c, "A9", "", "21.11.2026", "10:00:00");
+    rowsOfEveryList();
+    // One order spelled in two ways scans I700; another order expects the surplus I050.
     scan("nord", "I700", "102", "A7", "19.11.2026", "10:00:00");
-    scan("Nord", "I700", "101", "A7", "18.11.2026", "10:00:00");
-    soll("West", "301", "M2", category::k3b, "Tisch", "A2");
-    ist("West", "301", "I050", category::k2b, "A0", "777", "21.11.2026", "08:20:00");
+    scan("Nord", "i700 ", "101", "A7", "18.11.2026", "10:00:00");
     soll("Ost", "401", "I050", category::k1, "Bank", "A0");
 
     makeCrossOrderLists(*db);
@@ -266,7 +267,8 @@ TEST_F(CrossOrderListsTest, RowsNotedOfAWriteThatWasUndoneChangeNoList)
     std::vector<Rows> fromTables;
     for (const auto& table : tables)
         fromTables.push_back(rows(table));
-    EXPECT_EQ(fromTables[1], Rows{}) << "I700 is scanned by one order whatever the letter case of its name";
+    for (const auto& row : fromTables[1])
+        EXPECT_NE(row[0], "I700") << "I700 is scanned by one order whatever the letter case of its name";
     EXPECT_EQ(fromTables[2], Rows{}) << "I050 is expected by Ost";
 
     // The rows of an order whose writing was undone were noted under rowids that other rows

@@ -3,8 +3,6 @@
 
 #include "WorkFixture.h"
 
-#include <map>
-
 #include "FileSystem.h"
 
 #include <filesystem>
@@ -289,9 +287,8 @@ TEST_F(FileListTest, RebuildReadsAllFilesAgain)
 TEST_F(FileListTest, ARebuildWithARoomOfMoreLinesThanTheCounterReachesNumbersTheRoomsBeforeItOnly)
 {
     addFile(datFile("a.dat", {scanLine("3", "C1")}));
-    std::vector<std::string> lines{scanLine("1", "A1")};
-    for (int i = 1; i <= 32768; ++i)
-        lines.push_back(scanLine("2", "N" + std::to_string(i)));
+    std::vector<std::string> lines = manyLines("2", 32768);
+    lines.insert(lines.begin(), scanLine("1", "A1"));
     addFile(datFile("b.dat", lines));
     ui.messages.clear();
     w.pbNeu_Click();
@@ -299,9 +296,7 @@ TEST_F(FileListTest, ARebuildWithARoomOfMoreLinesThanTheCounterReachesNumbersThe
     ASSERT_EQ(ui.messages.size(), 2u);
     EXPECT_EQ(ui.messages[0].text, "Überlauf");
     EXPECT_EQ(ui.messages[1].text, "Numerischer Feldüberlauf.");
-    std::map<std::string, std::int16_t> number;
-    for (const CDatInventurRec& s : scans())
-        number[s.stInvNr] = s.iReihenfolge;
+    auto number = lineNumbers();
     EXPECT_EQ(number["A1"], 1);
     EXPECT_EQ(number["N32767"], 32767);
     EXPECT_EQ(number["N32768"], 0);

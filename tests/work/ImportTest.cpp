@@ -451,8 +451,8 @@ TEST_F(ImportTest, LinesAreNumberedPerRoomInStorageOrderAfterEarlierFilesRefused
 TEST_F(ImportTest, ARoomOfMoreLinesThanTheCounterReachesStopsTheNumberingThere)
 {
     std::vector<std::string> lines{scanLine("A", "A1"), scanLine("A", "A2")};
-    for (int i = 1; i <= 32768; ++i)
-        lines.push_back(scanLine("B", "N" + std::to_string(i)));
+    for (const std::string& line : manyLines("B", 32768))
+        lines.push_back(line);
     lines.push_back(scanLine("C", "C1"));
     CDateienRec d;
     d.stName = "voll.dat";
@@ -464,9 +464,7 @@ TEST_F(ImportTest, ARoomOfMoreLinesThanTheCounterReachesStopsTheNumberingThere)
     EXPECT_EQ(ui.messages[0].text, "Überlauf");
     // The room before is numbered, the overflowing room up to the last number that fits, and
     // the room after it stays unnumbered.
-    std::map<std::string, std::int16_t> number;
-    for (const CDatInventurRec& s : scans())
-        number[s.stInvNr] = s.iReihenfolge;
+    auto number = lineNumbers();
     EXPECT_EQ(number["A1"], 1);
     EXPECT_EQ(number["A2"], 2);
     EXPECT_EQ(number["N1"], 1);

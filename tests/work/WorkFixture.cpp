@@ -80,6 +80,22 @@ std::vector<CDatInventurRec> WorkTest::scans()
     return {c.begin(), c.end()};
 }
 
+std::map<std::string, std::int16_t> WorkTest::lineNumbers()
+{
+    std::map<std::string, std::int16_t> numbers;
+    for (const CDatInventurRec& s : scans())
+        numbers[s.stInvNr] = s.iReihenfolge;
+    return numbers;
+}
+
+std::vector<std::string> WorkTest::manyLines(const std::string& room, int count)
+{
+    std::vector<std::string> lines;
+    for (int i = 1; i <= count; ++i)
+        lines.push_back(scanLine(room, "N" + std::to_string(i)));
+    return lines;
+}
+
 std::vector<CRaumRec> WorkTest::rooms()
 {
     CRaumRecColl c;

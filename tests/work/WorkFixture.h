@@ -7,6 +7,7 @@
 #include "TestSupport.h"
 #include "frmWork.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,10 @@ protected:
     void addFile(const std::string& path);
     /// All stored scan lines, in key order.
     std::vector<CDatInventurRec> scans();
+    /// The number of each stored scan line in its room (iReihenfolge), by its inventory number.
+    std::map<std::string, std::int16_t> lineNumbers();
+    /// Lines "N1" ... "N<count>" in room `room`: more than 32767 overflow the numbering.
+    static std::vector<std::string> manyLines(const std::string& room, int count);
     std::vector<CRaumRec> rooms();
     std::vector<CDateienRec> files();
     /// Imports a file under a fresh T_Dateien row (as pbAdd_Click does after its checks).
