@@ -205,7 +205,7 @@ void writeOrderFigures(Database& result, const AttachedOrder& attached, const Or
         }
         rows.reset();
         if (rowid != firstListRow + copied)
-            throw std::logic_error("the difference list was not copied row by row");
+            throw std::logic_error("Die Differenzliste wurde nicht Zeile für Zeile übernommen.");
     }
 
     // The rooms.
