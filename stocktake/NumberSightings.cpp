@@ -37,26 +37,12 @@ constexpr const char* kIndexes = "DROP TABLE temp.Zeile;\n"
                                  "CREATE INDEX temp.Diff_stSollInvNR ON Diff (stSollInvNR);\n"
                                  "CREATE INDEX temp.Scan_stInvNr ON Scan (stInvNr, stAuftrag);\n";
 
-std::uint64_t hashBytes(std::uint64_t h, std::string_view bytes)
-{
-    for (const char c : bytes)
-        h = (h ^ static_cast<unsigned char>(c)) * 0x100000001b3ULL;
-    return h;
-}
-
-/// A hash of the number folded as jetFoldKey folds it: plain ASCII is folded on the way, other
-/// texts through jetFoldKey.
+/// A hash of the number folded by jetFoldKey: numbers that compare equal hash alike.
 std::uint64_t foldedHash(std::string_view text)
 {
     std::uint64_t h = 0xcbf29ce484222325ULL;
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    for (const char c : text) {
-        const auto b = static_cast<unsigned char>(c);
-        if (b >= 0x80)
-            return hashBytes(0xcbf29ce484222325ULL, jetFoldKey(text));
-        h = (h ^ (b >= 'A' && b <= 'Z' ? b + 32u : b)) * 0x100000001b3ULL;
-    }
+    for (const char c : jetFoldKey(text))
+        h = (h ^ static_cast<unsigned char>(c)) * 0x100000001b3ULL;
     return h;
 }
 
