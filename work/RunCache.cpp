@@ -21,8 +21,10 @@ RunCache::RunCache(Database* db, std::int64_t kib, std::string schema) : db_(db)
 RunCache::~RunCache()
 {
     try {
-        if (before_)
+        if (before_) {
             db_->executeScript("PRAGMA " + sqlName(schema_) + ".cache_size = " + std::to_string(*before_));
+            db_->releaseMemory();
+        }
     } catch (...) {
         // The larger cache stays with the connection; nothing else depends on it.
     }

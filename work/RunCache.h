@@ -14,8 +14,10 @@ namespace qi {
 
 class Database;
 
-/// The cache of an evaluation run, which passes over the whole difference list several times.
-inline constexpr std::int64_t kRunCacheKiB = 256 * 1024;
+/// The cache of an evaluation run, which passes over the whole difference list several times:
+/// the order of a thousand rooms stays in it whole; a larger order's pages go out to the file
+/// and are read back, which costs little next to holding an order of 300 MB in memory.
+inline constexpr std::int64_t kRunCacheKiB = 64 * 1024;
 /// The cache of an import, which adds a file's lines to the scans and their indexes.
 inline constexpr std::int64_t kImportCacheKiB = 64 * 1024;
 

@@ -135,6 +135,7 @@ public:
     {
         try {
             db_.execute("DETACH DATABASE " + sqlName(schema_));
+            db_.releaseMemory();
         } catch (...) {
             // The connection goes on without it being detached; nothing of the run depends on it.
         }

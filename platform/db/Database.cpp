@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cctype>
 #include <filesystem>
+#include <malloc.h>
 #include <sqlite3.h>
 
 namespace qi {
@@ -571,6 +572,14 @@ void Database::attachReadOnly(const std::string& path, const std::string& alias)
 }
 
 void Database::detach(const std::string& alias) { execute("DETACH DATABASE " + sqlName(alias)); }
+
+void Database::releaseMemory()
+{
+    sqlite3_db_release_memory(db_);
+    // The pages were allocated one by one between other allocations; only trimming the heap
+    // hands their freed room back.
+    ::malloc_trim(0);
+}
 
 void Database::copyTo(const std::string& path)
 {

@@ -174,6 +174,11 @@ public:
     /// Detaches a schema attached with attachReadOnly.
     void detach(const std::string& alias);
 
+    /// Gives the memory of cache pages the connection no longer holds back to the system, after
+    /// a run that used a larger cache (see RunCache): without it the process keeps the run's
+    /// peak for as long as it lives, under whatever it reads next (a report's rows).
+    void releaseMemory();
+
     /// Writes a copy of the database to `path` (a file there is replaced), taken from one
     /// consistent state of the file, also while another program changes it. DbError on failure;
     /// a copy that was begun is removed then.

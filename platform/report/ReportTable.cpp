@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <charconv>
+#include <cstring>
 #include <limits>
 
 namespace qi {
@@ -71,14 +72,40 @@ void ReportTable::append(Kind kind, std::string_view text)
     constexpr std::size_t kMaxCell = (1u << 30) - 1;
     if (text.size() > kMaxCell)
         text = text.substr(0, kMaxCell);
-    if (arena_.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
-        throw ReportError("Der Bericht ist zu groß: seine Werte fassen mehr als 4 GB.");
     Cell c;
-    c.offset = std::uint32_t(arena_.size());
     c.size = std::uint32_t(text.size());
     c.kind = std::uint32_t(kind);
-    arena_.append(text);
+    // Rows come sorted by their groups: a value is most often the one the row before holds
+    // in the same field (the room, its name, the category's long text), and is kept once.
+    if (!fields_.empty() && cells_.size() >= fields_.size()) {
+        const Cell& above = cells_[cells_.size() - fields_.size()];
+        if (above.kind == c.kind && textOf(above) == text) {
+            c.offset = above.offset;
+            cells_.push_back(c);
+            return;
+        }
+    }
+    c.offset = text.empty() ? 0 : place(text.size());
+    if (!text.empty())
+        std::memcpy(blocks_[c.offset >> kBlockBits] + (c.offset & (kBlockSize - 1)), text.data(), text.size());
     cells_.push_back(c);
+}
+
+std::uint32_t ReportTable::place(std::size_t size)
+{
+    std::size_t at = used_;
+    if (at + size > blocks_.size() * kBlockSize) {
+        // The rest of the last block stays empty; the text begins a run of new blocks.
+        at = blocks_.size() * kBlockSize;
+        const std::size_t count = (size + kBlockSize - 1) / kBlockSize;
+        if (at + count * kBlockSize > std::size_t(std::numeric_limits<std::uint32_t>::max()) + 1)
+            throw ReportError("Der Bericht ist zu groß: seine Werte fassen mehr als 4 GB.");
+        memory_.push_back(std::make_unique_for_overwrite<char[]>(count * kBlockSize));
+        for (std::size_t b = 0; b < count; ++b)
+            blocks_.push_back(memory_.back().get() + b * kBlockSize);
+    }
+    used_ = at + size;
+    return std::uint32_t(at);
 }
 
 } // namespace qi

@@ -6,6 +6,9 @@
 
 #include "FileSystem.h"
 #include "ReportModel.h"
+#include "ReportTable.h"
+
+#include <array>
 
 namespace qi::test {
 namespace {
@@ -159,6 +162,38 @@ TEST_F(ReportModelTest, AReportNeverWritesTheDatabase)
                                             "[Spalte]\nFeld = a\n")),
               "");
     EXPECT_EQ(toLong(Database::open(dataFile)->scalar("SELECT count(*) FROM T_Daten")), 5);
+}
+
+TEST(ReportTableTest, EveryValueReadsBackAsItWasAppendedAcrossBlocksRepeatsAndKinds)
+{
+    // Values of every length around the 1 MiB blocks the texts are packed in, one longer than
+    // a block (2.5 MiB), empty texts, Nulls, and values that repeat the row above in their
+    // field (kept once) next to the same text of another kind (kept apart).
+    ReportTable table({"stRaum", "stText", "iNr"});
+    std::vector<std::array<std::pair<ReportTable::Kind, std::string>, 3>> rows;
+    const std::size_t lengths[] = {0, 1, 700000, 400000, 1048575, 1, 2621440, 3, 1048576, 12};
+    for (std::size_t i = 0; i < std::size(lengths); ++i) {
+        const std::string room = i < 5 ? "Raum 101" : "Raum 102";
+        std::string text(lengths[i], char('a' + int(i)));
+        if (!text.empty())
+            text.back() = 'z';
+        const ReportTable::Kind numberKind = i % 3 == 0 ? ReportTable::Kind::Text : ReportTable::Kind::Integer;
+        rows.push_back({std::pair{ReportTable::Kind::Text, room}, std::pair{ReportTable::Kind::Text, text},
+                        std::pair{i == 4 ? ReportTable::Kind::Null : numberKind, std::string(i == 4 ? "" : "7")}});
+        rows.push_back(rows.back()); // the same values again
+    }
+    for (const auto& row : rows)
+        for (const auto& [kind, text] : row)
+            table.append(kind, text);
+
+    ASSERT_EQ(table.rowCount(), rows.size());
+    for (std::size_t r = 0; r < rows.size(); ++r)
+        for (std::size_t f = 0; f < 3; ++f) {
+            EXPECT_EQ(table.kind(r, f), rows[r][f].first) << "row " << r << ", field " << f;
+            EXPECT_EQ(table.text(r, f), rows[r][f].second) << "row " << r << ", field " << f;
+        }
+    EXPECT_EQ(table.number(2, 2), 7);
+    EXPECT_FALSE(table.isNumeric(8, 2));
 }
 
 TEST(ReportNumbers, GermanDigitsGroupingAndNoNegativeZero)
