@@ -1,6 +1,7 @@
 #include "frmWork.h"
 
 #include "Categories.h"
+#include "IndexesSetAside.h"
 #include "JetSql.h"
 #include "LinkedDatabase.h"
 #include "QuarnHost.h"
@@ -236,7 +237,9 @@ bool frmWork::ReportDifferenzListe()
             std::rethrow_exception(gebError);
         // The Soll rows of a room are written by one statement, the room's objects in the order
         // of their keys, as Quarn answers them for the room; a room without objects gets one row.
+        // The list is empty now: its indexes are made once its Soll rows, most of its rows, are in.
         Database& orderDb = *f_DBAuftrag.database();
+        IndexesSetAside listIndexes(orderDb, "T_Differenzliste");
         std::string sollSql;
         CDifferenzlisteRec rec;
         const std::int64_t rooms = f_collRooms.Count();
@@ -258,6 +261,7 @@ bool frmWork::ReportDifferenzListe()
                 ok(f_DBAuftrag.AddNewDifferenzlisteRec(&rec));
             }
         }
+        listIndexes.restore();
         ui_.reportStep(step::Soll, rooms, rooms);
 
         ui_.reportStep(step::InvOk, 0, 0);
