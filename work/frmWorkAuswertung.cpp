@@ -237,7 +237,9 @@ bool frmWork::ReportDifferenzListe()
             std::rethrow_exception(gebError);
         // The Soll rows of a room are written by one statement, the room's objects in the order
         // of their keys, as Quarn answers them for the room; a room without objects gets one row.
-        // The list is empty now: its indexes are made once its Soll rows, most of its rows, are in.
+        // The list is empty now. Its indexes are made once its Soll rows are in and the objects in
+        // place have their Ist numbers: most of its rows and most of their numbers. Both steps
+        // read the list in storage order only.
         Database& orderDb = *f_DBAuftrag.database();
         IndexesSetAside listIndexes(orderDb, "T_Differenzliste");
         std::string sollSql;
@@ -261,11 +263,11 @@ bool frmWork::ReportDifferenzListe()
                 ok(f_DBAuftrag.AddNewDifferenzlisteRec(&rec));
             }
         }
-        listIndexes.restore();
         ui_.reportStep(step::Soll, rooms, rooms);
 
         ui_.reportStep(step::InvOk, 0, 0);
         ok(f_DBAuftrag.MakeIstInvOk());
+        listIndexes.restore();
         ui_.reportStep(step::ScanExtra, 0, 0);
         ok(f_DBAuftrag.MakeIstScanExtra());
         ui_.reportStep(step::ArtikelIst, 0, 0);
