@@ -288,25 +288,46 @@ void QObjektDb::readAllObjects()
 {
     mapped_ = false;
     byKey_.clear();
-    // The same join as the single lookup; of numbers that compare equal the first in the order
-    // of the rows stands, as the lookup through the number's index finds it.
-    Statement& st = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
-        return "SELECT o.stName, a.stArtNr, a.stName, o.stBeschreibung, o.stOrt FROM " + p + "Objekt o LEFT JOIN " +
-               p + "Artikel a ON a.lId = o.lArtikelId ORDER BY o.rowid";
+    // What the single lookup's join answers, read as two walks in the order of the rows: the
+    // articles by their key (of equal keys the first, as the join meets them), then the objects
+    // with their article; of numbers that compare equal the first object stands, as the lookup
+    // through the number's index finds it.
+    struct Article {
+        std::string stArtNr, stName;
+    };
+    std::unordered_map<std::int64_t, Article> articles;
+    Statement& a = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        return "SELECT lId, stArtNr, stName FROM " + p + "Artikel WHERE lId IS NOT NULL ORDER BY rowid";
     }));
-    st.bindAll({});
+    Statement& o = db_->prepare(moduleSql(prefix_, [](const std::string& p) {
+        return "SELECT stName, lArtikelId, stBeschreibung, stOrt FROM " + p +
+               "Objekt WHERE stName IS NOT NULL ORDER BY rowid";
+    }));
+    const auto readText = [](const Statement& st, int column) { return std::string(st.columnText(column)); };
     try {
-        while (st.step()) {
-            if (isNull(st.column(0)))
-                continue;
-            byKey_.try_emplace(jetFoldKey(st.columnText(0)), HostObject{text(st, 1), text(st, 2), text(st, 3), text(st, 4)});
+        a.bindAll({});
+        while (a.step())
+            articles.try_emplace(a.columnInt(0), Article{readText(a, 1), readText(a, 2)});
+        a.reset();
+        o.bindAll({});
+        while (o.step()) {
+            const Article* article = nullptr;
+            if (!isNull(o.column(1))) {
+                const auto found = articles.find(o.columnInt(1));
+                if (found != articles.end())
+                    article = &found->second;
+            }
+            byKey_.try_emplace(jetFoldKey(o.columnText(0)),
+                               HostObject{article ? article->stArtNr : std::string(), article ? article->stName : std::string(),
+                                          readText(o, 2), readText(o, 3)});
         }
+        o.reset();
     } catch (...) {
         byKey_.clear();
-        st.reset();
+        a.reset();
+        o.reset();
         throw;
     }
-    st.reset();
     mapped_ = true;
     mappedPrefix_ = prefix_;
 }
