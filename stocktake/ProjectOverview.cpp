@@ -5,6 +5,7 @@
 #include "CrossOrderLists.h"
 #include "DifferenceListState.h"
 #include "FileSystem.h"
+#include "IndexesSetAside.h"
 #include "JetCollation.h"
 #include "KeptOrders.h"
 #include "NumberSightings.h"
@@ -17,7 +18,6 @@
 #include "QuarnRooms.h"
 #include "RolledBackCopy.h"
 #include "ScriptedUserInteraction.h"
-#include "SqlName.h"
 #include "Settings.h"
 #include "Startup.h"
 
@@ -369,9 +369,7 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
     auto result = Database::inMemory();
     createProjectResultSchema(*result);
     // The orders' rows go in first and their indexes are made afterwards, at once.
-    const Recordset indexes = result->query("SELECT name, sql FROM sqlite_master WHERE type = 'index' AND sql <> ''");
-    for (const auto& index : indexes.rows())
-        result->execute("DROP INDEX " + sqlName(toText(index[0])));
+    const std::vector<std::string> indexes = dropMadeIndexes(*result);
     QuarnRooms quarn(gebDb);
 
     // One step per order, then the lists across orders and the coverage of the building structure.
@@ -396,8 +394,8 @@ std::unique_ptr<Database> computeProjectResult(const Settings& settings, QGebDb&
     next("Listen über alle Aufträge");
     {
         Database::Transaction tx(*result);
-        for (const auto& index : indexes.rows())
-            result->execute(toText(index[1]));
+        for (const std::string& index : indexes)
+            result->execute(index);
         folderHints(*result, settings, orders);
         makeCrossOrderLists(*result, reading.sightings());
         tx.commit();

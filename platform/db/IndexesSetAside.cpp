@@ -4,16 +4,24 @@
 
 namespace qi {
 
+std::vector<std::string> dropMadeIndexes(Database& db, const std::string& table)
+{
+    const Recordset indexes = db.query("SELECT name, sql FROM main.sqlite_master WHERE type = 'index' "
+                                       "AND (?1 = '' OR tbl_name = ?1 COLLATE NOCASE) AND sql IS NOT NULL "
+                                       "ORDER BY rowid",
+                                       {table});
+    std::vector<std::string> definitions;
+    for (const auto& index : indexes.rows()) {
+        definitions.push_back(toText(index[1]));
+        db.execute("DROP INDEX main." + sqlName(toText(index[0])));
+    }
+    return definitions;
+}
+
 IndexesSetAside::IndexesSetAside(Database& db, const std::string& table) : db_(db)
 {
     tx_.emplace(db_);
-    const Recordset indexes = db_.query("SELECT name, sql FROM main.sqlite_master WHERE type = 'index' "
-                                        "AND tbl_name = ?1 COLLATE NOCASE AND sql IS NOT NULL ORDER BY rowid",
-                                        {table});
-    for (const auto& index : indexes.rows()) {
-        definitions_.push_back(toText(index[1]));
-        db_.execute("DROP INDEX main." + sqlName(toText(index[0])));
-    }
+    definitions_ = dropMadeIndexes(db_, table);
 }
 
 IndexesSetAside::~IndexesSetAside()

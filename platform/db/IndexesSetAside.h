@@ -11,6 +11,11 @@
 
 namespace qi {
 
+/// Drops the indexes made by CREATE INDEX of `table` in the main database, or of every table
+/// when `table` is empty (the keys stay), and returns the statements that made them, in the
+/// order they were made: running them makes the same indexes anew.
+std::vector<std::string> dropMadeIndexes(Database& db, const std::string& table = {});
+
 /// While it lives, the indexes of `table` in the main database are set aside (those made by
 /// CREATE INDEX; the key stays). `restore` makes them anew; the destructor does it when no
 /// one did. Everything happens inside a nested transaction of its own: should the indexes

@@ -89,4 +89,15 @@ TEST_F(IndexesSetAsideTest, IndexesThatCantBeMadeAnewUndoTheRowsWrittenMeanwhile
     EXPECT_EQ(rows(), 1);
 }
 
+TEST_F(IndexesSetAsideTest, WithoutATableTheIndexesOfEveryTableAreDroppedAndTheirStatementsMakeThemAnew)
+{
+    const std::string before = indexes();
+    const std::vector<std::string> statements = dropMadeIndexes(*db);
+    EXPECT_EQ(statements.size(), 3u);
+    EXPECT_EQ(indexes(), "");
+    for (const std::string& statement : statements)
+        db->execute(statement);
+    EXPECT_EQ(indexes(), before);
+}
+
 } // namespace
